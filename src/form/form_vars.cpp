@@ -1,0 +1,139 @@
+#include "form/form_vars.hpp"
+
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+
+int request_method_kind(const char* request_method) {
+    if (request_method == nullptr) return -1;
+    if (std::strcmp(request_method, "POST") == 0) return 1;
+    if (std::strcmp(request_method, "GET") == 0 || std::strcmp(request_method, "HEAD") == 0) return 0;
+    return -1;
+}
+
+std::size_t parse_content_length(const char* text) {
+    if (text == nullptr) return 0;
+    const char* p = text;
+    while (*p == ' ' || (*p >= '\t' && *p <= '\r')) ++p;
+    bool negative = false;
+    if (*p == '+' || *p == '-') negative = *p++ == '-';
+    // The body plus its terminating zero must stay addressable; a larger
+    // announcement can never be read and must not wrap to a small number.
+    constexpr std::uint64_t limit = PTRDIFF_MAX - 1;
+    std::uint64_t length = 0;
+    for (; *p >= '0' && *p <= '9'; ++p) {
+        length = length * 10 + static_cast<std::uint64_t>(*p - '0');
+        if (length > limit) return 0;
+    }
+    if (negative) return 0;
+    return static_cast<std::size_t>(length);
+}
+
+unsigned char hex_pair_value(unsigned char high, unsigned char low) {
+    auto digit = [](unsigned char c) -> unsigned {
+        return c >= 0x41 && c <= 0x7F ? static_cast<unsigned>(c & ~0x20u) - 55u : c - 48u;
+    };
+    return static_cast<unsigned char>((16u * digit(high) + digit(low)) & 0xFFu);
+}
+
+void decode_percent_escapes(char* text) {
+    char* out = text;
+    const char* in = text;
+    while (*in != '\0') {
+        if (in[0] == '%' && in[1] != '\0' && in[2] != '\0') {
+            *out++ = static_cast<char>(hex_pair_value(static_cast<unsigned char>(in[1]),
+                                                      static_cast<unsigned char>(in[2])));
+            in += 3;
+        } else {
+            *out++ = *in++;
+        }
+    }
+    *out = '\0';
+}
+
+bool decode_form_body(char* body, form_vars& vars) {
+    std::size_t segments = 1;
+    for (char* p = body; *p != '\0'; ++p) {
+        if (*p == '+') *p = ' ';
+        if (*p == '&') ++segments;
+    }
+    char** items = static_cast<char**>(std::malloc((2 * segments + 1) * sizeof(char*)));
+    if (items == nullptr) return false;
+
+    std::size_t count = 0;
+    char* segment = body;
+    while (segment != nullptr) {
+        char* amp = std::strchr(segment, '&');
+        if (amp != nullptr) *amp = '\0';
+        if (*segment != '\0') {
+            char* value = std::strchr(segment, '=');
+            if (value != nullptr) {
+                *value++ = '\0';
+            } else {
+                value = segment + std::strlen(segment);  // the empty text
+            }
+            decode_percent_escapes(segment);
+            decode_percent_escapes(value);
+            items[count++] = segment;
+            items[count++] = value;
+        }
+        segment = amp != nullptr ? amp + 1 : nullptr;
+    }
+    items[count] = nullptr;
+    vars.body = body;
+    vars.items = items;
+    return true;
+}
+
+namespace {
+
+[[noreturn]] void refuse_body() { std::exit(1); }
+
+// Reads exactly `length` bytes, growing the buffer as data arrives, so an
+// announced length far beyond the real body costs no large allocation.
+char* read_exact_body(std::size_t length) {
+    std::size_t capacity = length < 65536 ? length : 65536;
+    char* body = static_cast<char*>(std::malloc(capacity + 1));
+    if (body == nullptr) return nullptr;
+    std::size_t have = 0;
+    while (have < length) {
+        if (have == capacity) {
+            std::size_t grown = capacity <= length / 2 ? capacity * 2 : length;
+            char* bigger = static_cast<char*>(std::realloc(body, grown + 1));
+            if (bigger == nullptr) break;
+            body = bigger;
+            capacity = grown;
+        }
+        ssize_t got = read(STDIN_FILENO, body + have, capacity - have);
+        if (got < 0 && errno == EINTR) continue;
+        if (got <= 0) break;
+        have += static_cast<std::size_t>(got);
+    }
+    if (have < length) {
+        std::free(body);
+        return nullptr;
+    }
+    body[length] = '\0';
+    return body;
+}
+
+}  // namespace
+
+form_vars read_post_vars() {
+    std::size_t length = parse_content_length(std::getenv("CONTENT_LENGTH"));
+    if (length == 0) refuse_body();
+    char* body = read_exact_body(length);
+    if (body == nullptr) refuse_body();
+    form_vars vars;
+    if (!decode_form_body(body, vars)) refuse_body();
+    return vars;
+}
+
+void release_form_vars(form_vars& vars) {
+    std::free(vars.items);
+    std::free(vars.body);
+    vars = form_vars{};
+}

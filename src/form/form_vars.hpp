@@ -1,0 +1,38 @@
+// The POST body decoded into the form variable list.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+// 1 for POST, 0 for GET and HEAD, -1 for any other method or none.
+int request_method_kind(const char* request_method);
+
+// Name/value texts, alternating, ending with a null pointer; all point
+// into one decoded copy of the body that the list owns.
+struct form_vars {
+    char* body = nullptr;
+    char** items = nullptr;  // null when the request had no body
+};
+
+// The body length CONTENT_LENGTH announces, or 0 when it announces none
+// that could ever be read (absent, non-numeric, zero, negative, or larger
+// than any buffer); the same prefix reading as numbers elsewhere.
+std::size_t parse_content_length(const char* text);
+
+// The byte two escape characters stand for; letters in either case, and
+// other characters yield what the digit rule computes.
+unsigned char hex_pair_value(unsigned char high, unsigned char low);
+
+// Decodes "%XY" escapes in place; a "%" without two characters after it
+// keeps its tail unchanged. The result is never longer than the input.
+void decode_percent_escapes(char* text);
+
+// Splits and decodes a zero-terminated body in place (the text is taken
+// over by the list). False only when memory runs out.
+bool decode_form_body(char* body, form_vars& vars);
+
+// Reads the body of a POST request from standard input; ends the process
+// with status 1, writing nothing, when it cannot.
+form_vars read_post_vars();
+
+void release_form_vars(form_vars& vars);

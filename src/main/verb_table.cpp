@@ -1,0 +1,31 @@
+#include "main/verb_table.hpp"
+
+#include "page/fixed_verbs.hpp"
+
+namespace {
+
+// Table order is fixed; a lookup takes the first equal name.
+constexpr verb_entry verbs[] = {
+    {"version", &version_page, form_reading::direct, plan_fixed_command},
+    {"switchover", &switchover_page, form_reading::direct, plan_fixed_command},
+    {"session", &session_page, form_reading::direct, plan_fixed_command},
+};
+
+}  // namespace
+
+const std::span<const verb_entry> verb_table = verbs;
+
+const verb_entry* find_verb(std::string_view name) {
+    for (const verb_entry& verb : verb_table) {
+        if (verb.name == name) return &verb;
+    }
+    return nullptr;
+}
+
+std::string_view verb_name_of(const char* invocation) {
+    if (invocation == nullptr) return {};
+    std::string_view name = invocation;
+    if (std::size_t slash = name.rfind('/'); slash != std::string_view::npos) name.remove_prefix(slash + 1);
+    if (std::size_t dot = name.find('.'); dot != std::string_view::npos) name = name.substr(0, dot);
+    return name;
+}

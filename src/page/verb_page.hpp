@@ -1,0 +1,71 @@
+// What a verb is made of (its page literals and a function that plans its
+// command), and the one renderer that writes every verb's page.
+#pragma once
+
+#include <cstdint>
+#include <cstdio>
+#include <string_view>
+
+#include "cli/command_text.hpp"
+#include "form/number.hpp"
+#include "form/params.hpp"
+#include "page/fixed_text.hpp"
+
+// The fixed literals of one page; each verb quotes its own exactly.
+struct verb_page {
+    std::string_view header;  // CGI header through the opening body tag
+    std::string_view heading;
+    std::string_view back_link;
+    std::string_view fixed_command = {};  // for the verbs whose command never varies
+    std::string_view output_opener = "</P><HR><PRE>";
+    std::string_view output_closer = "</PRE><HR>";
+};
+
+// The last non-empty value of the POST field `name`, or null; names are
+// compared exactly and only names are compared.
+const char* post_var_value(char* const* items, std::string_view name);
+
+// One form field as a verb sees it: present with a non-empty text, or absent.
+struct field {
+    const char* text = nullptr;
+
+    bool present() const { return text != nullptr; }
+    std::string_view or_empty() const { return text != nullptr ? text : ""; }
+    // Selectors read as the target's strtoul does; an absent one reads as 0.
+    std::uint32_t number() const { return text != nullptr ? read_ulong32(text) : 0; }
+    bool reads_as(std::uint32_t n) const { return present() && number() == n; }
+};
+
+// The request's form as the verbs read it.
+struct form_input {
+    char* const* items = nullptr;  // POST pairs; null for any other request
+    param_registry params;         // bound only for verbs that read the registry
+
+    field param(param::id id) const { return {param_value(params, id)}; }
+    field post_var(std::string_view name) const { return {post_var_value(items, name)}; }
+};
+
+// What a verb decided for one request, before anything is written.
+struct verb_plan {
+    const verb_page* page = nullptr;
+    fixed_text<1024 + 64> heading;  // empty: the page's own heading literal
+    fixed_text<256> notes;          // written after the heading, in order
+    command_text command;
+    std::string_view refusal;  // the verb's validation message; empty: run the tool
+};
+
+using plan_builder = void (*)(const form_input& form, verb_plan& plan);
+
+// How a verb reads its fields: through the registry, or directly from the
+// POST pairs (the verbs whose fields are not registry parameters).
+enum class form_reading { registry, direct };
+
+using tool_runner = void (*)(std::FILE* out, const command_text& command);
+
+// Writes the page skeleton around the plan: header, heading and notes, then
+// inside the output block the verb's refusal, the runner's refusal, or the
+// tool's answer, then the back link.
+void write_page(std::FILE* out, const verb_plan& plan, tool_runner run_tool);
+
+// Notes most verbs share.
+inline constexpr std::string_view verbose_note = "Verbose mode turned on <BR>";

@@ -1,0 +1,222 @@
+// The gateway core end to end: dispatch, the log file, body reading, the
+// fixed-command verbs and the tool runner, against the stand-in shelfctl.
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <fstream>
+#include <sstream>
+
+#include "gateway_run.hpp"
+
+namespace {
+
+const page_literals version_literals = {
+    "Content-type: text/html\n\n<HTML><HEAD>  <TITLE> Corvane&#8482; Shelf Manager, Version Information "
+    "</TITLE></HEAD><BODY>",
+    "<H2> Version Information </H2>", "<A HREF=\"/verbs/version.html\"> Back to the previous page </A>"};
+const page_literals session_literals = {
+    "Content-type: text/html\n\n<HTML><HEAD>  <TITLE> Corvane&#8482; Shelf Manager, Session Information "
+    "</TITLE></HEAD><BODY>",
+    "<H2> Session Information </H2>", "<A HREF=\"/verbs/session.html\"> Back to the previous page </A>"};
+const page_literals switchover_literals = {
+    "Content-type: text/html\n\n<HTML><HEAD>  <TITLE> Corvane&#8482; Shelf Manager, Switchover "
+    "</TITLE></HEAD><BODY>",
+    "<H2> Switchover </H2>", "<A HREF=\"/verbs/switchover.html\"> Back to the previous page </A>"};
+
+std::string version_page_with(std::string_view block) { return expected_page(version_literals, "", block); }
+
+const std::string not_found_line = "Can't find the requested command\n";
+const char* log_path = "/var/tmp/verbgw.log";
+
+std::string read_log() {
+    std::ifstream in(log_path, std::ios::binary);
+    std::ostringstream text;
+    text << in.rdbuf();
+    return text.str();
+}
+
+void write_log(const std::string& text) {
+    unlink(log_path);
+    std::ofstream(log_path, std::ios::binary) << text;
+}
+
+}  // namespace
+
+TEST(CoreE2E, VersionPageByteForByte) {
+    gateway_result r = run_gateway(post("version", "a=1"));
+    EXPECT_EQ(r.out,
+              "Content-type: text/html\n\n<HTML><HEAD>  <TITLE> Corvane&#8482; Shelf Manager, Version Information "
+              "</TITLE></HEAD><BODY><HR><P><H2> Version Information </H2></P><HR><PRE>ran version\n</PRE><HR>"
+              "<A HREF=\"/verbs/version.html\"> Back to the previous page </A></BODY></HTML>");
+    EXPECT_EQ(r.status, 0);
+    EXPECT_EQ(r.tool_input, "version\nquit\n\n");
+}
+
+TEST(CoreE2E, FixedCommandVerbsRunForEveryMethod) {
+    struct {
+        std::string argv0;
+        const page_literals* page;
+        std::string command;
+    } verbs[] = {
+        {"version", &version_literals, "version"},
+        {"session", &session_literals, "session"},
+        {"switchover", &switchover_literals, "switchover"},
+        {"/www/cgi-bin/session.cgi", &session_literals, "session"},
+        {"/a.b/switchover", &switchover_literals, "switchover"},
+        {"version.x.y", &version_literals, "version"},
+    };
+    std::optional<std::string> methods[] = {"POST", "GET", "HEAD", "PUT", "post", std::nullopt};
+    for (const auto& verb : verbs) {
+        for (const auto& method : methods) {
+            gateway_request request = post(verb.argv0, "verbose=-v&command=reboot&x=$(reboot)");
+            request.method = method;
+            gateway_result r = run_gateway(request);
+            SCOPED_TRACE(verb.argv0 + " " + method.value_or("(unset)"));
+            EXPECT_EQ(r.out, expected_page(*verb.page, "", stub_answer(verb.command)));
+            EXPECT_EQ(r.status, 0);
+            EXPECT_EQ(r.tool_input, tool_input_for(verb.command));
+        }
+    }
+}
+
+TEST(CoreE2E, UnknownNamesGetTheNotFoundLineAndTheVersionPage) {
+    for (std::string name : std::initializer_list<std::string>{"SENSOR", "sensors", "/cgi-bin/", ".sensor", "", "Version", "versionx", "ver",
+                             std::string(5000, 'v')}) {
+        gateway_result r = run_gateway(get(name));
+        EXPECT_EQ(r.out, not_found_line + version_page_with(stub_answer("version"))) << name;
+        EXPECT_EQ(r.status, 234);
+        EXPECT_EQ(r.tool_input, "version\nquit\n\n");
+    }
+    gateway_request no_name = get("");
+    no_name.no_argv0 = true;
+    gateway_result r = run_gateway(no_name);
+    EXPECT_EQ(r.out, not_found_line + version_page_with(stub_answer("version")));
+    EXPECT_EQ(r.status, 234);
+}
+
+TEST(CoreE2E, UnreadableBodiesEndWithStatusOneAndNoOutput) {
+    struct {
+        std::string body;
+        std::optional<std::string> length;
+    } cases[] = {
+        {"a=1", "0"}, {"a=1", std::nullopt}, {"a=1", "-3"}, {"a=1", "abc"}, {"a=1", ""}, {"a=1", "10"},
+        {"", "1"}, {"a=1", "2147483648"}, {"a=1", "4294967296"}, {"a=1", "4294967299"},
+        {"a=1", "18446744073709551616"}, {"a=1", "99999999999999999999999999999"}, {"a=1", " -1"},
+    };
+    for (const auto& c : cases) {
+        for (std::string verb : {"version", "nosuchverb"}) {
+            gateway_request request = post(verb, c.body);
+            request.content_length = c.length;
+            request.content_length_unset = !c.length;
+            gateway_result r = run_gateway(request);
+            SCOPED_TRACE(verb + " CONTENT_LENGTH=" + c.length.value_or("(unset)"));
+            EXPECT_EQ(r.status, 1);
+            EXPECT_EQ(r.out, verb == "version" ? "" : not_found_line);
+            EXPECT_EQ(r.err, "");
+            EXPECT_FALSE(r.tool_input.has_value());
+        }
+    }
+}
+
+TEST(CoreE2E, ContentLengthIsReadAsANumberPrefix) {
+    for (std::string length : {"3abc", " 3", "+3", "3 "}) {
+        gateway_request request = post("session", "a=1&rest-is-not-read");
+        request.content_length = length;
+        gateway_result r = run_gateway(request);
+        EXPECT_EQ(r.status, 0) << length;
+        EXPECT_EQ(r.out, expected_page(session_literals, "", stub_answer("session")));
+    }
+}
+
+TEST(CoreE2E, ToolOutputIsFiltered) {
+    std::string long_line(300, 'L');
+    struct {
+        std::string output;
+        std::string mode;
+        std::string block;
+    } cases[] = {
+        {"banner\nCLI> \nline a\nline b\nCLI> \n", "read", "line a\nline b\n"},
+        {"CLI> \ncan't interact with shelf manager\nmore\nCLI> \n", "read",
+         "Can't interact with Corvane Shelf Manager <BR>"},
+        {"CLI> \nx\nLast item obtained.\ny\nCLI> \n", "read", "x\n"},
+        {"can't interact with x\nCLI> \nok\nCLI> \n", "read", "ok\n"},
+        {"CLI> \n<b>&amp;</b>\nCLI> \n", "read", "<b>&amp;</b>\n"},
+        {"CLI> \n" + long_line + "\nCLI> \n", "read", long_line + "\n"},
+        {"banner\nno prompt at all\n", "read", ""},
+        {"CLI> \npartial answer\n", "read", "partial answer\n"},
+        {"banner\nCLI> \nanswer\nCLI> \n", "noread", "answer\n"},
+        {"banner\nCLI> \nanswer\nCLI> \n", "flood", "answer\n"},
+        {"", "read", ""},
+    };
+    for (const auto& c : cases) {
+        gateway_request request = post("version", "a=1");
+        request.tool_output = c.output;
+        request.tool_mode = c.mode;
+        gateway_result r = run_gateway(request);
+        SCOPED_TRACE(c.mode + ": " + c.output);
+        EXPECT_EQ(r.out, version_page_with(c.block));
+        EXPECT_EQ(r.status, 0);
+        ASSERT_TRUE(r.tool_input.has_value());
+        EXPECT_EQ(*r.tool_input, c.mode == "noread" ? "" : "version\nquit\n\n");
+    }
+}
+
+TEST(CoreE2E, ToolThatCannotStart) {
+    gateway_request missing = get("version");
+    missing.tool_on_path = false;
+    gateway_result r = run_gateway(missing);
+    EXPECT_EQ(r.out, version_page_with(""));
+    EXPECT_EQ(r.status, 0);
+    EXPECT_NE(r.err.find("shelfctl"), std::string::npos);
+    EXPECT_FALSE(r.tool_input.has_value());
+
+    gateway_request no_files = get("version");
+    no_files.open_file_limit = 4;  // standard streams and the log leave no room for a pipe
+    r = run_gateway(no_files);
+    EXPECT_EQ(r.out, version_page_with("Error, -24\n"));
+    EXPECT_EQ(r.status, 0);
+    EXPECT_FALSE(r.tool_input.has_value());
+}
+
+TEST(CoreE2E, EndedByTheServerItEndsAndReapsTheTool) {
+    gateway_request hung = get("version");
+    hung.tool_mode = "sleep";
+    hung.terminate_after_ms = 300;
+    gateway_result r = run_gateway(hung);
+    EXPECT_EQ(r.status, 128 + SIGTERM);
+    ASSERT_TRUE(r.tool_input.has_value());
+    ASSERT_EQ(r.tool_input->rfind("pid ", 0), 0u) << *r.tool_input;
+    pid_t tool = std::stoi(r.tool_input->substr(4));
+    EXPECT_EQ(kill(tool, 0), -1);
+    EXPECT_EQ(errno, ESRCH);
+}
+
+TEST(CoreE2E, LogHoldsTheRawInvocationAtOffsetZero) {
+    unlink(log_path);
+    run_gateway(get("/www/cgi-bin/sensor.cgi"));
+    EXPECT_EQ(read_log(), "/www/cgi-bin/sensor.cgi");
+    struct stat info;
+    ASSERT_EQ(stat(log_path, &info), 0);
+    EXPECT_EQ(info.st_mode & 0777, 0640u);
+
+    struct {
+        std::string before, argv0, after;
+        bool no_argv0;
+    } cases[] = {
+        {"getthreshold", "fru", "fruthreshold", false},
+        {"getthreshold", "version", "versionshold", false},
+        {"abc", "/a.b/session", "/a.b/session", false},
+        {"kept", "", "kept", true},
+        {"kept", "", "kept", false},
+    };
+    for (const auto& c : cases) {
+        write_log(c.before);
+        gateway_request request = get(c.argv0);
+        request.no_argv0 = c.no_argv0;
+        run_gateway(request);
+        EXPECT_EQ(read_log(), c.after) << c.argv0;
+    }
+}

@@ -1,0 +1,156 @@
+#include "gateway_run.hpp"
+
+#include <fcntl.h>
+#include <signal.h>
+#include <stdlib.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <sstream>
+
+namespace {
+
+std::string env_or(const char* name, const char* fallback) {
+    const char* value = std::getenv(name);
+    return value != nullptr && *value != '\0' ? value : fallback;
+}
+
+std::string slurp(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    std::ostringstream text;
+    text << in.rdbuf();
+    return text.str();
+}
+
+void spill(const std::string& path, const std::string& text) {
+    std::ofstream(path, std::ios::binary) << text;
+}
+
+}  // namespace
+
+gateway_result run_gateway(const gateway_request& request) {
+    char dir_template[] = "/tmp/verbgw-e2e-XXXXXX";
+    std::string dir = mkdtemp(dir_template);
+    std::string body_path = dir + "/body", out_path = dir + "/out", err_path = dir + "/err",
+                record_path = dir + "/tool_input";
+    spill(body_path, request.body);
+
+    std::string binary = env_or("VERBGW_BINARY", VERBGW_DEFAULT_BINARY);
+    std::string stub_dir = env_or("VERBGW_STUB_DIR", VERBGW_DEFAULT_STUB_DIR);
+    // VERBGW_EMULATOR (for a cross-built gateway) holds the emulator's
+    // command; "-0 <name>" passes the invocation name through it.
+    std::string emulator = env_or("VERBGW_EMULATOR", "");
+
+    std::vector<std::string> args;
+    std::string path_entry;
+    if (!emulator.empty()) {
+        std::istringstream words(emulator);
+        for (std::string word; words >> word;) args.push_back(word);
+        args.push_back("-0");
+        args.push_back(request.no_argv0 ? "" : request.argv0);
+        args.push_back(binary);
+    } else if (!request.no_argv0) {
+        args.push_back(request.argv0);
+    }
+
+    std::vector<std::string> env = {
+        "PATH=" + (request.tool_on_path ? stub_dir + ":" : std::string()) + "/usr/bin:/bin",
+        "STUB_RECORD=" + record_path,
+        "STUB_MODE=" + request.tool_mode,
+    };
+    if (request.method) env.push_back("REQUEST_METHOD=" + *request.method);
+    if (request.content_length) {
+        env.push_back("CONTENT_LENGTH=" + *request.content_length);
+    } else if (request.method == std::optional<std::string>("POST") && !request.content_length_unset) {
+        env.push_back("CONTENT_LENGTH=" + std::to_string(request.body.size()));
+    }
+    if (request.tool_output) env.push_back("STUB_OUTPUT=" + *request.tool_output);
+    for (const char* pass : {"ASAN_OPTIONS", "UBSAN_OPTIONS", "QEMU_LD_PREFIX"}) {
+        if (const char* value = std::getenv(pass)) env.push_back(std::string(pass) + "=" + value);
+    }
+
+    std::vector<char*> argv, envp;
+    for (std::string& arg : args) argv.push_back(arg.data());
+    argv.push_back(nullptr);
+    for (std::string& var : env) envp.push_back(var.data());
+    envp.push_back(nullptr);
+    std::string program = emulator.empty() ? binary : args[0];
+
+    pid_t pid = fork();
+    if (pid == 0) {
+        int in = open(body_path.c_str(), O_RDONLY);
+        int out = open(out_path.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+        int err = open(err_path.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+        dup2(in, 0);
+        dup2(out, 1);
+        dup2(err, 2);
+        close(in);
+        close(out);
+        close(err);
+        close_range(3, ~0u, 0);  // the gateway starts with the standard streams only
+        if (request.open_file_limit > 0) {
+            rlimit limit{static_cast<rlim_t>(request.open_file_limit),
+                         static_cast<rlim_t>(request.open_file_limit)};
+            setrlimit(RLIMIT_NOFILE, &limit);
+        }
+        if (emulator.empty()) {
+            execve(program.c_str(), argv.data(), envp.data());
+        } else {
+            execvpe(program.c_str(), argv.data(), envp.data());
+        }
+        _exit(127);
+    }
+    int wait_status = 0;
+    if (request.terminate_after_ms > 0) {
+        usleep(static_cast<useconds_t>(request.terminate_after_ms) * 1000);
+        kill(pid, SIGTERM);
+    }
+    waitpid(pid, &wait_status, 0);
+
+    gateway_result result;
+    result.out = slurp(out_path);
+    result.err = slurp(err_path);
+    result.status = WIFEXITED(wait_status) ? WEXITSTATUS(wait_status) : 128 + WTERMSIG(wait_status);
+    struct stat record;
+    if (stat(record_path.c_str(), &record) == 0) result.tool_input = slurp(record_path);
+    for (const std::string& path : {body_path, out_path, err_path, record_path}) unlink(path.c_str());
+    rmdir(dir.c_str());
+    return result;
+}
+
+gateway_request post(std::string verb, std::string body) {
+    gateway_request request;
+    request.argv0 = std::move(verb);
+    request.body = std::move(body);
+    return request;
+}
+
+gateway_request get(std::string verb) {
+    gateway_request request;
+    request.argv0 = std::move(verb);
+    request.method = "GET";
+    return request;
+}
+
+std::string stub_answer(std::string_view command) { return "ran " + std::string(command) + "\n"; }
+
+std::string tool_input_for(std::string_view command) { return std::string(command) + "\nquit\n\n"; }
+
+std::string expected_page(const page_literals& page, std::string_view notes, std::string_view block) {
+    std::string text(page.header);
+    text += "<HR><P>";
+    text += page.heading;
+    text += notes;
+    text += "</P><HR><PRE>";
+    text += block;
+    text += "</PRE><HR>";
+    text += page.back_link;
+    text += "</BODY></HTML>";
+    return text;
+}

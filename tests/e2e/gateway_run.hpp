@@ -1,0 +1,47 @@
+// Runs the built gateway as a CGI process, with the stand-in shelfctl
+// first on PATH, and collects what it wrote and what the tool received.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+struct gateway_request {
+    std::string argv0;  // the invocation name (the verb)
+    std::optional<std::string> method = "POST";  // nullopt: REQUEST_METHOD unset
+    std::string body;
+    std::optional<std::string> content_length;  // default: the body's size (POST only)
+    bool content_length_unset = false;
+    std::optional<std::string> tool_output;     // default: the stub's echoing answer
+    std::string tool_mode = "read";
+    bool tool_on_path = true;
+    int open_file_limit = 0;  // 0: unchanged
+    bool no_argv0 = false;    // start with an empty argument vector
+    int terminate_after_ms = 0;  // >0: send SIGTERM after this long, as a web server's timeout does
+};
+
+struct gateway_result {
+    std::string out;
+    std::string err;
+    int status = -1;  // exit status, or 128 + signal
+    std::optional<std::string> tool_input;  // nullopt: the tool never ran
+};
+
+gateway_result run_gateway(const gateway_request& request);
+
+// A request posting `body` to `verb`.
+gateway_request post(std::string verb, std::string body);
+// A GET request to `verb`.
+gateway_request get(std::string verb);
+
+// The stub's default answer to `command`, as the page shows it.
+std::string stub_answer(std::string_view command);
+// What the tool receives for `command`.
+std::string tool_input_for(std::string_view command);
+
+// A page as the skeleton lays it out.
+struct page_literals {
+    std::string_view header, heading, back_link;
+};
+std::string expected_page(const page_literals& page, std::string_view notes, std::string_view block);
