@@ -2,8 +2,9 @@
 JOBS ?= 2
 BUILD := build
 ASAN_BUILD := build-asan
+ARM_BUILD := build-arm
 
-.PHONY: all build test test-plain test-sanitized clean bootstrap
+.PHONY: all build arm test clean bootstrap
 
 all: build
 
@@ -14,8 +15,16 @@ build:
 	@cmake -S . -B $(BUILD) -DCMAKE_BUILD_TYPE=Release >/dev/null
 	@cmake --build $(BUILD) -j $(JOBS)
 
-# The whole suite twice: as built, then under AddressSanitizer and
-# UndefinedBehaviorSanitizer (any report fails the run).
+# The gateway for the shelf manager: 32-bit ARM, glibc (build-arm/verbgw).
+# Its tests run under user-mode emulation with the host's stand-in tool.
+arm: build
+	@cmake -S . -B $(ARM_BUILD) -DCMAKE_TOOLCHAIN_FILE=cmake/arm-linux-gnueabihf.cmake \
+		-DCMAKE_BUILD_TYPE=Release -DVERBGW_HOST_STUB_DIR=$(CURDIR)/$(BUILD)/tests/stub >/dev/null
+	@cmake --build $(ARM_BUILD) -j $(JOBS)
+
+# The whole suite three times: as built, then under AddressSanitizer and
+# UndefinedBehaviorSanitizer (any report fails the run), and built for the
+# target under emulation.
 test: bootstrap
 	@cmake -S . -B $(ASAN_BUILD) -DCMAKE_BUILD_TYPE=Debug -DVERBGW_SANITIZE=ON >/dev/null
 	@cmake --build $(ASAN_BUILD) -j $(JOBS)
@@ -23,6 +32,8 @@ test: bootstrap
 		ctest -j $(JOBS) --output-on-failure
 	@$(MAKE) --no-print-directory build
 	@cd $(BUILD) && ctest -j $(JOBS) --output-on-failure
+	@$(MAKE) --no-print-directory arm
+	@cd $(ARM_BUILD) && ctest -j $(JOBS) --output-on-failure
 
 clean:
-	rm -rf $(BUILD) $(ASAN_BUILD)
+	rm -rf $(BUILD) $(ASAN_BUILD) $(ARM_BUILD)

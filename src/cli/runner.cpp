@@ -3,10 +3,12 @@
 #include <fcntl.h>
 #include <signal.h>
 #include <spawn.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 
 extern char** environ;
@@ -63,6 +65,30 @@ void end_tool_and_exit(int) {
     _exit(128 + SIGTERM);
 }
 
+// The tool's file on the command search path, looked up here rather than by
+// posix_spawnp so that a missing tool is told apart from a failed start the
+// same way everywhere (an emulated spawn cannot report exec failures).
+using tool_path = fixed_text<4096>;
+
+bool find_tool(const char* name, tool_path& path) {
+    const char* search = std::getenv("PATH");
+    std::string_view dirs = search != nullptr ? search : "/bin:/usr/bin";
+    while (true) {
+        std::size_t colon = dirs.find(':');
+        std::string_view dir = dirs.substr(0, colon);
+        path.clear();
+        path.append(dir.empty() ? "." : dir);
+        path.append("/");
+        path.append(name);
+        struct stat info;
+        if (!path.overflowed() && stat(path.c_str(), &info) == 0 && S_ISREG(info.st_mode) &&
+            access(path.c_str(), X_OK) == 0)
+            return true;
+        if (colon == std::string_view::npos) return false;
+        dirs.remove_prefix(colon + 1);
+    }
+}
+
 void close_pipe(int fds[2]) {
     close(fds[0]);
     close(fds[1]);
@@ -71,6 +97,9 @@ void close_pipe(int fds[2]) {
 // Starts the tool with its standard input and output on pipes; returns 0
 // or the error number.
 int start_tool(int to_tool[2], int from_tool[2], pid_t& pid) {
+    static constexpr char tool_name[] = "shelfctl";
+    tool_path path;
+    if (!find_tool(tool_name, path)) return ENOENT;
     if (pipe2(to_tool, O_CLOEXEC) != 0) return errno;
     if (pipe2(from_tool, O_CLOEXEC) != 0) {
         int err = errno;
@@ -93,9 +122,9 @@ int start_tool(int to_tool[2], int from_tool[2], pid_t& pid) {
     sigemptyset(&no_signals);
     posix_spawnattr_setsigmask(&attr, &no_signals);
     posix_spawnattr_setflags(&attr, POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK);
-    char tool_name[] = "shelfctl";
-    char* argv[] = {tool_name, nullptr};
-    int err = posix_spawnp(&pid, tool_name, &actions, &attr, argv, environ);
+    char argv0[] = "shelfctl";
+    char* argv[] = {argv0, nullptr};
+    int err = posix_spawn(&pid, path.c_str(), &actions, &attr, argv, environ);
     posix_spawn_file_actions_destroy(&actions);
     posix_spawnattr_destroy(&attr);
     close(to_tool[0]);
@@ -137,7 +166,7 @@ void run_cli_command(std::FILE* out, const command_text& command) {
     int err = start_tool(to_tool, from_tool, pid);
     if (err == 0) running_tool = pid;
     sigprocmask(SIG_SETMASK, &before, nullptr);
-    if (err == ENOENT) {
+    if (err == ENOENT) {  // what a shell would have said
         std::fputs("verbgw: shelfctl: not found\n", stderr);
         return;
     }

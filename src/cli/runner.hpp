@@ -41,7 +41,7 @@ private:
     char piece_[max_output_piece + 1];
 };
 
-// Starts shelfctl from the command search path (no shell), sends the
+// Starts shelfctl found on the command search path (no shell), sends the
 // command text, "quit" and an empty line, filters the answer onto `out` and
 // waits for the tool. The text must have passed command_refusal.
 void run_cli_command(std::FILE* out, const command_text& command);
