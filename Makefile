@@ -4,7 +4,10 @@ BUILD := build
 ASAN_BUILD := build-asan
 ARM_BUILD := build-arm
 
-.PHONY: all build arm test clean bootstrap
+PORT ?= 8080
+DEMO := $(BUILD)/demo
+
+.PHONY: all build arm test demo clean bootstrap
 
 all: build
 
@@ -14,6 +17,15 @@ bootstrap:
 build:
 	@cmake -S . -B $(BUILD) -DCMAKE_BUILD_TYPE=Release >/dev/null
 	@cmake --build $(BUILD) -j $(JOBS)
+
+# The gateway for real: lighttpd on 127.0.0.1:$(PORT) serving the form pages
+# and the gateway, with the simulated shelf as shelfctl.
+demo: bootstrap build
+	@rm -rf $(DEMO)/root
+	@cmake --install $(BUILD) --prefix $(DEMO)/root >/dev/null
+	@echo "verbgw demo: open http://127.0.0.1:$(PORT)/verbs/index.html  (Ctrl-C stops it)"
+	@PORT=$(PORT) SHELFSIM_STATE=$(CURDIR)/$(DEMO)/shelf.state \
+		deploy/serve $(DEMO)/root $(DEMO)/run $(BUILD)/tools/shelfsim
 
 # The gateway for the shelf manager: 32-bit ARM, glibc (build-arm/verbgw).
 # Its tests run under user-mode emulation with the host's stand-in tool.
