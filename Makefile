@@ -7,7 +7,7 @@ ARM_BUILD := build-arm
 PORT ?= 8080
 DEMO := $(BUILD)/demo
 
-.PHONY: all build arm test demo clean bootstrap
+.PHONY: all build arm test demo memcheck clean bootstrap
 
 all: build
 
@@ -46,6 +46,13 @@ test: bootstrap
 	@cd $(BUILD) && ctest -j $(JOBS) --output-on-failure
 	@$(MAKE) --no-print-directory arm
 	@cd $(ARM_BUILD) && ctest -j $(JOBS) --output-on-failure
+
+# The end-to-end suite with every gateway run under valgrind memcheck: no
+# errors, nothing definitely or indirectly lost.
+VALGRIND := valgrind -q --error-exitcode=99 --leak-check=full \
+	--errors-for-leak-kinds=definite,indirect --show-leak-kinds=definite,indirect
+memcheck: bootstrap build
+	@VERBGW_WRAPPER="$(VALGRIND)" $(BUILD)/tests/e2e_tests --gtest_brief=1
 
 clean:
 	rm -rf $(BUILD) $(ASAN_BUILD) $(ARM_BUILD)

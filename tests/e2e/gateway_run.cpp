@@ -47,9 +47,26 @@ gateway_result run_gateway(const gateway_request& request) {
     // command; "-0 <name>" passes the invocation name through it.
     std::string emulator = env_or("VERBGW_EMULATOR", "");
 
+    // VERBGW_WRAPPER (a checker such as valgrind) runs the gateway found on
+    // PATH through a link named as the invocation, so the name reaches it.
+    std::string wrapper = env_or("VERBGW_WRAPPER", "");
+    std::string link_dir = dir + "/links";
+
     std::vector<std::string> args;
-    std::string path_entry;
-    if (!emulator.empty()) {
+    std::string path_prefix = request.tool_on_path ? stub_dir + ":" : std::string();
+    // Names a link cannot carry (paths, empty, over-long) run unwrapped, and
+    // so does a gateway without room for the checker's own files.
+    if (request.no_argv0 || request.argv0.empty() || request.argv0.size() > 200 ||
+        request.argv0.find('/') != std::string::npos || request.open_file_limit > 0)
+        wrapper.clear();
+    if (!wrapper.empty()) {
+        mkdir(link_dir.c_str(), 0700);
+        symlink(binary.c_str(), (link_dir + "/" + request.argv0).c_str());
+        std::istringstream words(wrapper);
+        for (std::string word; words >> word;) args.push_back(word);
+        args.push_back(request.argv0);
+        path_prefix += link_dir + ":";
+    } else if (!emulator.empty()) {
         std::istringstream words(emulator);
         for (std::string word; words >> word;) args.push_back(word);
         args.push_back("-0");
@@ -60,7 +77,7 @@ gateway_result run_gateway(const gateway_request& request) {
     }
 
     std::vector<std::string> env = {
-        "PATH=" + (request.tool_on_path ? stub_dir + ":" : std::string()) + "/usr/bin:/bin",
+        "PATH=" + path_prefix + "/usr/bin:/bin",
         "STUB_RECORD=" + record_path,
         "STUB_MODE=" + request.tool_mode,
     };
@@ -80,7 +97,8 @@ gateway_result run_gateway(const gateway_request& request) {
     argv.push_back(nullptr);
     for (std::string& var : env) envp.push_back(var.data());
     envp.push_back(nullptr);
-    std::string program = emulator.empty() ? binary : args[0];
+    bool search = !emulator.empty() || !wrapper.empty();
+    std::string program = search ? args[0] : binary;
 
     pid_t pid = fork();
     if (pid == 0) {
@@ -99,15 +117,19 @@ gateway_result run_gateway(const gateway_request& request) {
                          static_cast<rlim_t>(request.open_file_limit)};
             setrlimit(RLIMIT_NOFILE, &limit);
         }
-        if (emulator.empty()) {
-            execve(program.c_str(), argv.data(), envp.data());
-        } else {
+        if (search) {
             execvpe(program.c_str(), argv.data(), envp.data());
+        } else {
+            execve(program.c_str(), argv.data(), envp.data());
         }
         _exit(127);
     }
     int wait_status = 0;
     if (request.terminate_after_ms > 0) {
+        // Wait until the tool has started (it records its pid), however
+        // slowly the gateway starts, then play the server's timeout.
+        struct stat started;
+        for (int i = 0; i < 2000 && stat(record_path.c_str(), &started) != 0; ++i) usleep(5000);
         usleep(static_cast<useconds_t>(request.terminate_after_ms) * 1000);
         kill(pid, SIGTERM);
     }
@@ -119,7 +141,9 @@ gateway_result run_gateway(const gateway_request& request) {
     result.status = WIFEXITED(wait_status) ? WEXITSTATUS(wait_status) : 128 + WTERMSIG(wait_status);
     struct stat record;
     if (stat(record_path.c_str(), &record) == 0) result.tool_input = slurp(record_path);
-    for (const std::string& path : {body_path, out_path, err_path, record_path}) unlink(path.c_str());
+    for (const std::string& path : {body_path, out_path, err_path, record_path, link_dir + "/" + request.argv0})
+        unlink(path.c_str());
+    rmdir(link_dir.c_str());
     rmdir(dir.c_str());
     return result;
 }

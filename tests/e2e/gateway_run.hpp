@@ -18,7 +18,7 @@ struct gateway_request {
     bool tool_on_path = true;
     int open_file_limit = 0;  // 0: unchanged
     bool no_argv0 = false;    // start with an empty argument vector
-    int terminate_after_ms = 0;  // >0: send SIGTERM after this long, as a web server's timeout does
+    int terminate_after_ms = 0;  // >0: SIGTERM this long after the tool started, as a server's timeout does
 };
 
 struct gateway_result {
@@ -29,6 +29,7 @@ struct gateway_result {
 };
 
 gateway_result run_gateway(const gateway_request& request);
+
 
 // A request posting `body` to `verb`.
 gateway_request post(std::string verb, std::string body);
