@@ -1,13 +1,23 @@
 #include "main/verb_table.hpp"
 
 #include "page/fixed_verbs.hpp"
+#include "verbs/fru_board.hpp"
 
 namespace {
 
 // Table order is fixed; a lookup takes the first equal name.
 constexpr verb_entry verbs[] = {
+    {"activate", &activate_page, form_reading::registry, plan_activate},
+    {"board", &board_page, form_reading::direct, plan_board},
+    {"fru", &fru_page, form_reading::registry, plan_fru},
+    {"ipmc", &ipmc_page, form_reading::registry, plan_ipmc},
+    {"reset", &reset_page, form_reading::direct, plan_reset},
     {"version", &version_page, form_reading::direct, plan_fixed_command},
     {"switchover", &switchover_page, form_reading::direct, plan_fixed_command},
+    {"frudata", &frudata_page, form_reading::registry, plan_frudata},
+    {"fruinfo", &fruinfo_page, form_reading::registry, plan_fruinfo},
+    {"getfruledstate", &getfruledstate_page, form_reading::registry, plan_getfruledstate},
+    {"setfruledstate", &setfruledstate_page, form_reading::registry, plan_setfruledstate},
     {"session", &session_page, form_reading::direct, plan_fixed_command},
 };
 

@@ -1,0 +1,94 @@
+#include "verbs/command_shape.hpp"
+#include "verbs/fru_board.hpp"
+
+using namespace param;
+
+const verb_page getfruledstate_page = {
+    .header = "Content-type: text/html\n\n<HTML><HEAD>  <TITLE> Corvane&#8482; Shelf Manager, "
+              "Get FRU LED State </TITLE></HEAD><BODY>",
+    .heading = "<H2> FRU LED State </H2>",
+    .back_link = "<A HREF=\"/verbs/getfruledstate.html\"> Back to the previous page </A>",
+};
+
+const verb_page setfruledstate_page = {
+    .header = "Content-type: text/html\n\n<HTML><HEAD>  <TITLE> Corvane&#8482; Shelf Manager, "
+              "Set FRU LED State </TITLE></HEAD><BODY>",
+    .heading = "<H2> Set FRU LED State </H2>",
+    .back_link = "<A HREF=\"/verbs/setfruledstate.html\"> Back to the previous page </A>",
+};
+
+namespace {
+
+// getfruledstate: each id only follows the words before it.
+constexpr command_form get_led_forms[] = {
+    {1,
+     {"getfruledstate %s %s %s %s",
+      {take(verbose), take(pti_sym1_1), take(id2_1), take(id2_3).when({id2_1})}}},
+    {std::nullopt,
+     {"getfruledstate %s %s %s %s",
+      {take(verbose), take(addr1_0), take(id2_2).when({addr1_0}), take(id2_3).when({addr1_0, id2_2})}}},
+};
+
+// setfruledstate: the unit and its LED ("ALL" when none is named), and what
+// the unit must hold before an operation may follow.
+constexpr slot address_unit_id = take(id3_0).when({addr1_0});
+constexpr slot address_unit_led = take(addr1_3).when({addr1_0, id3_0}).or_else("ALL");
+constexpr command_form set_led_units[] = {
+    {1,
+     {"setfruledstate %s %s %s", {take(pti_sym1_1), take(id2_1), take(addr1_3).or_else("ALL")},
+      params_of({id2_1})}},
+    {0,
+     {"setfruledstate %s %s %s", {take(addr1_0), address_unit_id, address_unit_led},
+      params_of({addr1_0, id3_0})}},
+    {std::nullopt, {"setfruledstate %s %s %s", {take(addr1_0), address_unit_id, address_unit_led}}},
+};
+
+// Where a request stands: only done, or an appended TEST, runs the tool.
+enum class led_request { incomplete, ready, done };
+
+// An operation, chosen by the keyword `addr1_1` begins with; its shape's
+// `complete` lists the arguments it cannot go without.
+struct led_operation {
+    std::string_view keyword;
+    command_shape shape;
+    bool finishes;  // TEST runs without the request being done
+};
+
+constexpr led_operation led_operations[] = {
+    {"ON", {" ON %s", {take(addr1_2)}}, true},
+    {"OFF", {" OFF"}, true},
+    {"LOCAL", {" LOCAL"}, true},
+    {"BLINK", {" BLINK %s %s %s", {take(id2_2), take(id2_3), take(addr1_2)}, params_of({id2_2, id2_3})}, true},
+    {"TEST", {" TEST %s", {take(id2_2)}, params_of({id2_2})}, false},
+};
+
+const led_operation* operation_for(field keyword) {
+    for (const led_operation& operation : led_operations) {
+        if (keyword.present() && keyword.or_empty().starts_with(operation.keyword)) return &operation;
+    }
+    return nullptr;
+}
+
+}  // namespace
+
+void plan_getfruledstate(const form_input& form, verb_plan& plan) {
+    note_verbose(form.param(verbose), plan);
+    append_shape(form, pick_shape(form, get_led_forms), plan.command);
+}
+
+void plan_setfruledstate(const form_input& form, verb_plan& plan) {
+    const command_shape& unit = pick_shape(form, set_led_units);
+    append_shape(form, unit, plan.command);
+    led_request state = all_present(form, unit.complete) ? led_request::ready : led_request::incomplete;
+    bool testing = false;
+    const led_operation* operation = operation_for(form.param(addr1_1));
+    if (state == led_request::ready && operation != nullptr && all_present(form, operation->shape.complete)) {
+        append_shape(form, operation->shape, plan.command);
+        if (operation->finishes) {
+            state = led_request::done;
+        } else {
+            testing = true;
+        }
+    }
+    if (state != led_request::done && !testing) plan.refusal = "It is necessary to set parameters!<BR>";
+}
