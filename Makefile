@@ -7,7 +7,7 @@ ARM_BUILD := build-arm
 PORT ?= 8080
 DEMO := $(BUILD)/demo
 
-.PHONY: all build arm test demo memcheck clean bootstrap
+.PHONY: all build arm test demo memcheck loadtest clean bootstrap
 
 all: build
 
@@ -53,6 +53,10 @@ VALGRIND := valgrind -q --error-exitcode=99 --leak-check=full \
 	--errors-for-leak-kinds=definite,indirect --show-leak-kinds=definite,indirect
 memcheck: bootstrap build
 	@VERBGW_WRAPPER="$(VALGRIND)" $(BUILD)/tests/e2e_tests --gtest_brief=1
+
+# Bounded load through lighttpd and the simulator (loopback only).
+loadtest: bootstrap build
+	@node tests/load/loadtest.mjs
 
 clean:
 	rm -rf $(BUILD) $(ASAN_BUILD) $(ARM_BUILD)

@@ -1,0 +1,141 @@
+// Bounded load through lighttpd with the simulated shelf: REQUESTS requests
+// (default 20000) over CONNECTIONS concurrent keep-alive connections (32)
+// across all verbs, loopback only. Every response is checked; then no
+// gateway or tool process may be left and the log must start with a valid
+// invocation path. Prints the figures; exits non-zero on any failure.
+import http from 'node:http';
+import { readdirSync, readlinkSync, readFileSync, realpathSync } from 'node:fs';
+import { join } from 'node:path';
+import { startServer, repo } from '../browser/serve.mjs';
+
+const total = Number(process.env.REQUESTS ?? 20000);
+const connections = Number(process.env.CONNECTIONS ?? 32);
+const deadline = Date.now() + Number(process.env.LOAD_SECONDS ?? 600) * 1000;
+const build = process.env.VERBGW_BUILD ?? join(repo, 'build');
+
+// What each verb is asked, and what its page must hold: the tool's answer
+// (a non-empty output block) or the verb's own message.
+const mix = [
+  ['activate', 'command=activate&addr1_0=0x82&id2_0=0'],
+  ['alarm', 'x=1'],
+  ['board', 'slot=1'],
+  ['fans', 'addr1_0=0x72&id2_0=0'],
+  ['fru', 'addr1_0=0x82&id2_0=0'],
+  ['gethysteresis', 'addr1_0=0x82&id3_0=1'],
+  ['getlanconfig', 'channel=1&parameter=3'],
+  ['getpef', 'parameter=1'],
+  ['getthreshold', 'addr1_0=0x82&id3_0=1'],
+  ['ipmc', 'addr1_0=0x82'],
+  ['reset', 'slot=3'],
+  ['sel', 'req_type_sel=2&addr1_0=0x20'],
+  ['sel', 'req_type_sel=0&addr1_0=0x20'],
+  ['sensor', 'addr1_0=0x82&id3_0=1'],
+  ['sensordata', 'addr1_0=0x82&id3_0=1'],
+  ['sethysteresis', 'addr1_0=0x82&id3_0=1&tr=pos&value=2'],
+  ['setlanconfig', 'channel=1&parameter=3&value=192.0.2.10'],
+  ['setpef', 'parameter=1&value=1'],
+  ['setthreshold', 'addr1_0=0x82&id3_0=1&tr=unc&value=60'],
+  ['shelf', 'command=02power_distribution'],
+  ['showunhealthy', 'x=1'],
+  ['version', 'x=1'],
+  ['switchover', 'x=1'],
+  ['frudata', 'addr1_0=0x82&id2_0=0&offset=0'],
+  ['fruinfo', 'addr1_0=0x82&id2_0=0'],
+  ['getfanlevel', 'addr1_0=0x72&id2_0=0'],
+  ['setfanlevel', 'addr1_0=0x72&id2_0=0&value=5'],
+  ['getsensoreventenable', 'addr1_0=0x82&id3_0=1'],
+  ['setsensoreventenable', 'req_type=0&addr1_0=0x82&id3_0=1&id2_1=1'],
+  ['getipmbstate', 'addr1_0=0x82'],
+  ['getipmbstate', 'x=1', 'It is necessary to specify IPMB address<BR>'],
+  ['setipmbstate', 'addr1_0=0x82&addr1_1=A&addr1_2=enable'],
+  ['getfruledstate', 'addr1_0=0x82&id2_2=0'],
+  ['setfruledstate', 'addr1_0=0x82&id3_0=0&addr1_1=OFF'],
+  ['setfruledstate', 'addr1_0=0x82&addr1_1=OFF', 'It is necessary to set parameters!<BR>'],
+  ['session', 'x=1'],
+];
+
+function outputBlock(page) {
+  const pre = page.match(/<\/P><HR><PRE>([\s\S]*)<\/PRE><HR>/);
+  if (pre) return pre[1];
+  const bare = page.match(/<\/P><HR>([\s\S]*)<HR><A HREF/);  // the SEL Clear page has no PRE block
+  return bare ? bare[1] : null;
+}
+
+function problemWith(status, page, message) {
+  if (status !== 200) return `status ${status}`;
+  if (!page.endsWith('</BODY></HTML>')) return 'incomplete page';
+  const block = outputBlock(page);
+  if (block === null) return 'no output block';
+  if (message !== undefined) return block === message ? null : `expected ${message}, got ${block.slice(0, 80)}`;
+  if (block.trim() === '') return 'no answer from the tool';
+  if (/^(It is necessary|A value may not|The command is too long|Error, )/.test(block)) return `refused: ${block}`;
+  return null;
+}
+
+function request(agent, base, [verb, body, message]) {
+  return new Promise((resolve) => {
+    const req = http.request(`${base}/cgi-bin/${verb}`, {
+      method: 'POST', agent,
+      headers: { 'Content-Type': 'application/x-www-form-urlencoded', 'Content-Length': Buffer.byteLength(body) },
+    }, (res) => {
+      const chunks = [];
+      res.on('data', (c) => chunks.push(c));
+      res.on('end', () => resolve(problemWith(res.statusCode, Buffer.concat(chunks).toString('latin1'), message)));
+    });
+    req.setTimeout(60000, () => req.destroy(new Error('timeout')));
+    req.on('error', (e) => resolve(e.message));
+    req.end(body);
+  });
+}
+
+// Processes still running one of the given executables.
+function leftovers(executables) {
+  const found = [];
+  for (const pid of readdirSync('/proc').filter((d) => /^\d+$/.test(d))) {
+    try {
+      if (executables.includes(readlinkSync(`/proc/${pid}/exe`))) found.push(pid);
+    } catch { /* gone, or not ours to read */ }
+  }
+  return found;
+}
+
+const server = await startServer({ build });
+const agent = new http.Agent({ keepAlive: true, maxSockets: connections });
+const failures = new Map();
+let sent = 0, done = 0, failed = 0;
+const started = process.hrtime.bigint();
+async function worker() {
+  while (sent < total && Date.now() < deadline) {
+    const item = mix[sent++ % mix.length];
+    const problem = await request(agent, server.base, item);
+    done++;
+    if (problem) {
+      failed++;
+      const key = `${item[0]}: ${problem}`;
+      failures.set(key, (failures.get(key) ?? 0) + 1);
+    }
+  }
+}
+await Promise.all(Array.from({ length: connections }, worker));
+const seconds = Number(process.hrtime.bigint() - started) / 1e9;
+agent.destroy();
+
+const executables = [realpathSync(join(server.dir, 'root/cgi-bin/verbgw')), realpathSync(join(build, 'tools/shelfsim/shelfctl'))];
+let left = leftovers(executables);
+for (let i = 0; i < 40 && left.length > 0; i++) {
+  await new Promise((r) => setTimeout(r, 50));
+  left = leftovers(executables);
+}
+const log = readFileSync('/var/tmp/verbgw.log', 'latin1');
+const prefix = join(server.dir, 'root/cgi-bin/');
+const verbs = readFileSync(join(repo, 'deploy/verbs.txt'), 'utf8').split('\n').filter(Boolean);
+const logValid = log.startsWith(prefix) && verbs.some((v) => log.slice(prefix.length).startsWith(v));
+await server.stop();
+
+console.log(`requests: ${done}  failures: ${failed}  connections: ${connections}  seconds: ${seconds.toFixed(1)}  requests/s: ${(done / seconds).toFixed(0)}`);
+for (const [key, count] of failures) console.log(`  ${count} x ${key}`);
+console.log(`processes left behind: ${left.length}`);
+console.log(`log starts with a valid invocation path: ${logValid ? 'yes' : `no (${JSON.stringify(log.slice(0, 120))})`}`);
+const ok = done === total && failed === 0 && left.length === 0 && logValid;
+console.log(ok ? 'loadtest: PASS' : 'loadtest: FAIL');
+process.exit(ok ? 0 : 1);
