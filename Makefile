@@ -3,11 +3,14 @@ JOBS ?= 2
 BUILD := build
 ASAN_BUILD := build-asan
 ARM_BUILD := build-arm
+FUZZ_BUILD := build-fuzz
+FUZZ_SECONDS ?= 60
+FUZZ_HARNESSES := fuzz_form_decode fuzz_verb_plans
 
 PORT ?= 8080
 DEMO := $(BUILD)/demo
 
-.PHONY: all build arm test demo memcheck loadtest clean bootstrap
+.PHONY: all build arm fuzz-build fuzz test demo memcheck loadtest clean bootstrap
 
 all: build
 
@@ -34,14 +37,41 @@ arm: build
 		-DCMAKE_BUILD_TYPE=Release -DVERBGW_HOST_STUB_DIR=$(CURDIR)/$(BUILD)/tests/stub >/dev/null
 	@cmake --build $(ARM_BUILD) -j $(JOBS)
 
+# The libFuzzer harnesses, built by clang with AddressSanitizer and
+# UndefinedBehaviorSanitizer (build-fuzz/fuzz/).
+fuzz-build:
+	@CC=clang CXX=clang++ cmake -S . -B $(FUZZ_BUILD) -DCMAKE_BUILD_TYPE=RelWithDebInfo \
+		-DVERBGW_FUZZ=ON -DVERBGW_TESTS=OFF >/dev/null
+	@cmake --build $(FUZZ_BUILD) -j $(JOBS)
+
+# Each harness for FUZZ_SECONDS on its corpus under build-fuzz/corpus/, seeded
+# from fuzz/corpus/; a finding stops the run and is kept in build-fuzz/artifacts/.
+fuzz: bootstrap fuzz-build
+	@mkdir -p $(FUZZ_BUILD)/artifacts
+	@for h in $(FUZZ_HARNESSES); do \
+		mkdir -p $(FUZZ_BUILD)/corpus/$$h; \
+		echo "fuzz: $$h for $(FUZZ_SECONDS) s (log: $(FUZZ_BUILD)/$$h.log)"; \
+		if ! $(FUZZ_BUILD)/fuzz/$$h -max_total_time=$(FUZZ_SECONDS) -print_final_stats=1 \
+			-dict=fuzz/form_fields.dict -artifact_prefix=$(FUZZ_BUILD)/artifacts/$$h- \
+			$(FUZZ_BUILD)/corpus/$$h fuzz/corpus/$$h >$(FUZZ_BUILD)/$$h.log 2>&1; then \
+			tail -n 60 $(FUZZ_BUILD)/$$h.log; echo "fuzz: $$h found a fault"; exit 1; \
+		fi; \
+		grep -E '^(Done|stat::(number_of_executed_units|average_exec_per_sec|new_units_added|peak_rss_mb))' \
+			$(FUZZ_BUILD)/$$h.log; \
+		grep -E '^#[0-9]+' $(FUZZ_BUILD)/$$h.log | tail -n 1; \
+	done
+
 # The whole suite three times: as built, then under AddressSanitizer and
 # UndefinedBehaviorSanitizer (any report fails the run), and built for the
-# target under emulation.
+# target under emulation; in between, each fuzz harness briefly from its
+# committed seeds.
 test: bootstrap
 	@cmake -S . -B $(ASAN_BUILD) -DCMAKE_BUILD_TYPE=Debug -DVERBGW_SANITIZE=ON >/dev/null
 	@cmake --build $(ASAN_BUILD) -j $(JOBS)
 	@cd $(ASAN_BUILD) && ASAN_OPTIONS=detect_leaks=1:abort_on_error=1 UBSAN_OPTIONS=halt_on_error=1:print_stacktrace=1 \
 		ctest -j $(JOBS) --output-on-failure
+	@$(MAKE) --no-print-directory fuzz-build
+	@cd $(FUZZ_BUILD) && ctest -j $(JOBS) --output-on-failure
 	@$(MAKE) --no-print-directory build
 	@cd $(BUILD) && ctest -j $(JOBS) --output-on-failure
 	@$(MAKE) --no-print-directory arm
@@ -59,4 +89,4 @@ loadtest: bootstrap build
 	@node tests/load/loadtest.mjs
 
 clean:
-	rm -rf $(BUILD) $(ASAN_BUILD) $(ARM_BUILD)
+	rm -rf $(BUILD) $(ASAN_BUILD) $(ARM_BUILD) $(FUZZ_BUILD)
