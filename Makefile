@@ -10,7 +10,7 @@ FUZZ_HARNESSES := fuzz_form_decode fuzz_verb_plans
 PORT ?= 8080
 DEMO := $(BUILD)/demo
 
-.PHONY: all build arm fuzz-build fuzz test demo memcheck loadtest clean bootstrap
+.PHONY: all build arm fuzz-build fuzz test demo memcheck loadtest bench clean bootstrap
 
 all: build
 
@@ -83,6 +83,11 @@ VALGRIND := valgrind -q --error-exitcode=99 --leak-check=full \
 	--errors-for-leak-kinds=definite,indirect --show-leak-kinds=definite,indirect
 memcheck: bootstrap build
 	@VERBGW_WRAPPER="$(VALGRIND)" $(BUILD)/tests/e2e_tests --gtest_brief=1
+
+# Wall time, memory and size of one request against the floor and the
+# classic designs; then requests per second through lighttpd.
+bench: bootstrap build
+	@bench/run $(BUILD)
 
 # Bounded load through lighttpd and the simulator (loopback only).
 loadtest: bootstrap build

@@ -75,14 +75,14 @@ bool find_tool(const char* name, tool_path& path) {
     std::string_view dirs = search != nullptr ? search : "/bin:/usr/bin";
     while (true) {
         std::size_t colon = dirs.find(':');
-        std::string_view dir = dirs.substr(0, colon);
+        std::string_view dir(dirs.data(), colon == std::string_view::npos ? dirs.size() : colon);
         path.clear();
         path.append(dir.empty() ? "." : dir);
         path.append("/");
         path.append(name);
         struct stat info;
         if (!path.overflowed() && stat(path.c_str(), &info) == 0 && S_ISREG(info.st_mode) &&
-            access(path.c_str(), X_OK) == 0)
+            (info.st_mode & 0111) != 0)
             return true;
         if (colon == std::string_view::npos) return false;
         dirs.remove_prefix(colon + 1);

@@ -4,7 +4,7 @@
 
 // Table order is the form pages' order; req_type_sel and the raw/value pair
 // stand out of id order, which lookups by key do not notice.
-const param_entry param_table[param_count] = {
+constexpr param_entry param_table[param_count] = {
     {param::command, "command"}, {param::verbose, "verbose"}, {param::dump, "dump"},
     {param::req_type, "req_type"}, {param::offset, "offset"}, {param::to_write, "to_write"},
     {param::addr1_0, "addr1_0"}, {param::addr1_1, "addr1_1"}, {param::addr1_2, "addr1_2"},

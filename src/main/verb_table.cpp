@@ -36,6 +36,6 @@ std::string_view verb_name_of(const char* invocation) {
     if (invocation == nullptr) return {};
     std::string_view name = invocation;
     if (std::size_t slash = name.rfind('/'); slash != std::string_view::npos) name.remove_prefix(slash + 1);
-    if (std::size_t dot = name.find('.'); dot != std::string_view::npos) name = name.substr(0, dot);
+    if (std::size_t dot = name.find('.'); dot != std::string_view::npos) name = {name.data(), dot};
     return name;
 }

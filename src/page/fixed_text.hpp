@@ -74,11 +74,11 @@ bool append_filled(Text& text, std::string_view tmpl, std::initializer_list<std:
     std::size_t literal_start = 0;
     for (std::size_t i = 0; i + 1 < tmpl.size(); ++i) {
         if (tmpl[i] != '%' || tmpl[i + 1] != 's') continue;
-        whole &= text.append(tmpl.substr(literal_start, i - literal_start));
+        whole &= text.append({tmpl.data() + literal_start, i - literal_start});
         if (next != args.end()) whole &= text.append(*next++);
         literal_start = i + 2;
         ++i;
     }
-    whole &= text.append(tmpl.substr(literal_start));
+    whole &= text.append({tmpl.data() + literal_start, tmpl.size() - literal_start});
     return whole;
 }
