@@ -1,13 +1,25 @@
 #include "main/verb_table.hpp"
 
 #include "page/fixed_verbs.hpp"
+#include "verbs/sensor_sel.hpp"
 
 namespace {
 
 // Table order is fixed; a lookup takes the first equal name.
 constexpr verb_entry verbs[] = {
+    {"gethysteresis", &gethysteresis_verb.page, form_reading::registry, plan_shaped<gethysteresis_verb>},
+    {"getthreshold", &getthreshold_verb.page, form_reading::registry, plan_shaped<getthreshold_verb>},
+    {"sel", &sel_info_verb.page, form_reading::registry, plan_sel},
+    {"sensor", &sensor_verb.page, form_reading::registry, plan_shaped<sensor_verb>},
+    {"sensordata", &sensordata_verb.page, form_reading::registry, plan_shaped<sensordata_verb>},
+    {"sethysteresis", &sethysteresis_verb.page, form_reading::registry, plan_shaped<sethysteresis_verb>},
+    {"setthreshold", &setthreshold_verb.page, form_reading::registry, plan_shaped<setthreshold_verb>},
     {"version", &version_page, form_reading::direct, plan_fixed_command},
     {"switchover", &switchover_page, form_reading::direct, plan_fixed_command},
+    {"getsensoreventenable", &getsensoreventenable_verb.page, form_reading::registry,
+     plan_shaped<getsensoreventenable_verb>},
+    {"setsensoreventenable", &setsensoreventenable_verb.page, form_reading::registry,
+     plan_shaped<setsensoreventenable_verb>},
     {"session", &session_page, form_reading::direct, plan_fixed_command},
 };
 
