@@ -25,8 +25,9 @@ std::size_t parse_content_length(const char* text) {
     constexpr std::uint64_t limit = PTRDIFF_MAX - 1;
     std::uint64_t length = 0;
     for (; *p >= '0' && *p <= '9'; ++p) {
-        length = length * 10 + static_cast<std::uint64_t>(*p - '0');
-        if (length > limit) return 0;
+        std::uint64_t digit = static_cast<std::uint64_t>(*p - '0');
+        if (length > (limit - digit) / 10) return 0;  // checked before it could wrap
+        length = length * 10 + digit;
     }
     if (negative) return 0;
     return static_cast<std::size_t>(length);

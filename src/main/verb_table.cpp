@@ -2,6 +2,7 @@
 
 #include "page/fixed_verbs.hpp"
 #include "verbs/fru_board.hpp"
+#include "verbs/sensor_sel.hpp"
 
 namespace {
 
@@ -10,12 +11,23 @@ constexpr verb_entry verbs[] = {
     {"activate", &activate_page, form_reading::registry, plan_activate},
     {"board", &board_page, form_reading::direct, plan_board},
     {"fru", &fru_page, form_reading::registry, plan_fru},
+    {"gethysteresis", &gethysteresis_verb.page, form_reading::registry, plan_shaped<gethysteresis_verb>},
+    {"getthreshold", &getthreshold_verb.page, form_reading::registry, plan_shaped<getthreshold_verb>},
     {"ipmc", &ipmc_page, form_reading::registry, plan_ipmc},
     {"reset", &reset_page, form_reading::direct, plan_reset},
+    {"sel", &sel_info_verb.page, form_reading::registry, plan_sel},
+    {"sensor", &sensor_verb.page, form_reading::registry, plan_shaped<sensor_verb>},
+    {"sensordata", &sensordata_verb.page, form_reading::registry, plan_shaped<sensordata_verb>},
+    {"sethysteresis", &sethysteresis_verb.page, form_reading::registry, plan_shaped<sethysteresis_verb>},
+    {"setthreshold", &setthreshold_verb.page, form_reading::registry, plan_shaped<setthreshold_verb>},
     {"version", &version_page, form_reading::direct, plan_fixed_command},
     {"switchover", &switchover_page, form_reading::direct, plan_fixed_command},
     {"frudata", &frudata_page, form_reading::registry, plan_frudata},
     {"fruinfo", &fruinfo_page, form_reading::registry, plan_fruinfo},
+    {"getsensoreventenable", &getsensoreventenable_verb.page, form_reading::registry,
+     plan_shaped<getsensoreventenable_verb>},
+    {"setsensoreventenable", &setsensoreventenable_verb.page, form_reading::registry,
+     plan_shaped<setsensoreventenable_verb>},
     {"getfruledstate", &getfruledstate_page, form_reading::registry, plan_getfruledstate},
     {"setfruledstate", &setfruledstate_page, form_reading::registry, plan_setfruledstate},
     {"session", &session_page, form_reading::direct, plan_fixed_command},

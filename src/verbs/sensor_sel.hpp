@@ -1,0 +1,96 @@
+// The sensor and event-log verbs: sensor, sensordata, the threshold and
+// hysteresis verbs, the sensor event enable verbs and sel's three pages.
+//
+// All of them share one shape: a template for the pti_sym form (set 1,
+// chosen when req_type reads as 1) and one for the address form (set 0),
+// each filled from its own fields, some of which stand only when a gate
+// field is present too; some verbs add a verbose note or a validation rule.
+// Each verb is therefore data (a shaped_verb) planned by one function.
+#pragma once
+
+#include <cstddef>
+#include <initializer_list>
+#include <string_view>
+
+#include "page/verb_page.hpp"
+
+// One argument of a template: the text of `field` when both `field` and
+// `gate` are present, else the empty text. `required` marks the fields a
+// set must have for a validating verb to run.
+struct arg_spec {
+    param::id field;
+    param::id gate;
+    bool required;
+};
+
+// An argument that stands whenever its field is present.
+constexpr arg_spec arg(param::id field) { return {field, field, false}; }
+// The same, and the set is incomplete without it.
+constexpr arg_spec need(param::id field) { return {field, field, true}; }
+// An argument that stands only when `gate` is present too.
+constexpr arg_spec gated(param::id field, param::id gate) { return {field, gate, false}; }
+
+// A template and the arguments that fill its "%s" places, in order.
+struct arg_set {
+    static constexpr std::size_t max_args = 7;
+
+    constexpr arg_set(std::string_view tmpl, std::initializer_list<arg_spec> list) : tmpl(tmpl) {
+        for (const arg_spec& a : list) args[count++] = a;
+    }
+
+    std::string_view tmpl;
+    arg_spec args[max_args] = {};
+    std::size_t count = 0;
+};
+
+struct shaped_verb;
+// Why the form may not run the command, or empty when it may.
+using refusal_rule = std::string_view (*)(const shaped_verb& verb, const form_input& form);
+
+struct shaped_verb {
+    verb_page page;
+    arg_set set1;                    // req_type reads as 1
+    arg_set set0;                    // any other req_type, or none
+    bool verbose_note = false;       // the verbose note follows the heading when `verbose` is present
+    refusal_rule refusal = nullptr;  // null: the command always runs
+};
+
+// True when every required field of `set` is present.
+bool set_complete(const arg_set& set, const form_input& form);
+
+// The command runs when either set is complete, whichever req_type chose.
+std::string_view refuse_unless_a_set_is_complete(const shaped_verb& verb, const form_input& form);
+// req_type must read as 0 or 1, the set it chooses must be complete, and
+// the two masks (id2_2, id2_3) come together or not at all; the first
+// failing check gives the message.
+std::string_view refuse_event_enable(const shaped_verb& verb, const form_input& form);
+
+// Points the plan at the verb's page, fills the chosen set's template and
+// applies the verb's note and rule.
+void plan_shaped_verb(const shaped_verb& verb, const form_input& form, verb_plan& plan);
+
+template <const shaped_verb& Verb>
+void plan_shaped(const form_input& form, verb_plan& plan) {
+    plan_shaped_verb(Verb, form, plan);
+}
+
+extern const shaped_verb sensor_verb;
+extern const shaped_verb sensordata_verb;
+extern const shaped_verb getthreshold_verb;
+extern const shaped_verb gethysteresis_verb;
+extern const shaped_verb setthreshold_verb;
+extern const shaped_verb sethysteresis_verb;
+extern const shaped_verb getsensoreventenable_verb;
+extern const shaped_verb setsensoreventenable_verb;
+extern const shaped_verb sel_information_verb;
+extern const shaped_verb sel_clear_verb;
+extern const shaped_verb sel_info_verb;
+
+// sel's three pages; each points the plan at its own page.
+void sel_information_page(const form_input& form, verb_plan& plan);
+void sel_clear_page(const form_input& form, verb_plan& plan);
+void sel_info_page(const form_input& form, verb_plan& plan);
+
+// sel: the exact text of req_type_sel picks the page ("0" SEL Information,
+// "1" SEL Clear, anything else or nothing SEL Info).
+void plan_sel(const form_input& form, verb_plan& plan);
