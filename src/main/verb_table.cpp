@@ -1,7 +1,9 @@
 #include "main/verb_table.hpp"
 
 #include "page/fixed_verbs.hpp"
+#include "verbs/fans.hpp"
 #include "verbs/fru_board.hpp"
+#include "verbs/shelf.hpp"
 
 namespace {
 
@@ -9,13 +11,17 @@ namespace {
 constexpr verb_entry verbs[] = {
     {"activate", &activate_page, form_reading::registry, plan_activate},
     {"board", &board_page, form_reading::direct, plan_board},
+    {"fans", &fans_page, form_reading::registry, plan_fans},
     {"fru", &fru_page, form_reading::registry, plan_fru},
     {"ipmc", &ipmc_page, form_reading::registry, plan_ipmc},
     {"reset", &reset_page, form_reading::direct, plan_reset},
+    {"shelf", &shelf_page, form_reading::registry, plan_shelf},
     {"version", &version_page, form_reading::direct, plan_fixed_command},
     {"switchover", &switchover_page, form_reading::direct, plan_fixed_command},
     {"frudata", &frudata_page, form_reading::registry, plan_frudata},
     {"fruinfo", &fruinfo_page, form_reading::registry, plan_fruinfo},
+    {"getfanlevel", &getfanlevel_page, form_reading::registry, plan_getfanlevel},
+    {"setfanlevel", &setfanlevel_page, form_reading::registry, plan_setfanlevel},
     {"getfruledstate", &getfruledstate_page, form_reading::registry, plan_getfruledstate},
     {"setfruledstate", &setfruledstate_page, form_reading::registry, plan_setfruledstate},
     {"session", &session_page, form_reading::direct, plan_fixed_command},
