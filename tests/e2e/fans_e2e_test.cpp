@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "gateway_run.hpp"
+#include "verb_cases.hpp"
 
 namespace {
 
@@ -28,25 +28,14 @@ const std::string line_break = "A value may not contain a line break<BR>";
 const std::string x300(300, 'x');
 const std::optional<std::string> by_get = std::nullopt;
 
-struct verb_case {
+struct fan_case {
     std::optional<std::string> body;  // nullopt: a GET request
     std::string command;              // what the tool receives
     std::string refusal;              // non-empty: the tool does not run and this fills the block
 };
 
-void expect_cases(const std::string& verb, const page_literals& page, const std::vector<verb_case>& cases) {
-    for (const verb_case& c : cases) {
-        SCOPED_TRACE(verb + " " + c.body.value_or("(GET)"));
-        gateway_result r = run_gateway(c.body ? post(verb, *c.body) : get(verb));
-        EXPECT_EQ(r.status, 0);
-        if (c.refusal.empty()) {
-            EXPECT_EQ(r.out, expected_page(page, "", stub_answer(c.command)));
-            EXPECT_EQ(r.tool_input, tool_input_for(c.command));
-        } else {
-            EXPECT_EQ(r.out, expected_page(page, "", c.refusal));
-            EXPECT_FALSE(r.tool_input.has_value());
-        }
-    }
+void expect_cases(const std::string& verb, const page_literals& page, const std::vector<fan_case>& cases) {
+    for (const fan_case& c : cases) expect_verb_page(verb, page, {c.body, "", c.command, c.refusal});
 }
 
 }  // namespace

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "gateway_run.hpp"
+#include "verb_cases.hpp"
 
 namespace {
 
@@ -29,18 +29,8 @@ struct shelf_case {
 
 void expect_cases(const std::vector<shelf_case>& cases) {
     for (const shelf_case& c : cases) {
-        SCOPED_TRACE("shelf " + c.body.value_or("(GET)"));
-        gateway_result r = run_gateway(c.body ? post("shelf", *c.body) : get("shelf"));
         std::string heading = "<H2> Shelf Information: " + c.display.value_or("Undefined") + " </H2>";
-        page_literals page = {shelf_header, heading, shelf_back_link};
-        EXPECT_EQ(r.status, 0);
-        if (c.refusal.empty()) {
-            EXPECT_EQ(r.out, expected_page(page, "", stub_answer(c.command)));
-            EXPECT_EQ(r.tool_input, tool_input_for(c.command));
-        } else {
-            EXPECT_EQ(r.out, expected_page(page, "", c.refusal));
-            EXPECT_FALSE(r.tool_input.has_value());
-        }
+        expect_verb_page("shelf", {shelf_header, heading, shelf_back_link}, {c.body, "", c.command, c.refusal});
     }
 }
 
