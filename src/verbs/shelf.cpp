@@ -19,7 +19,8 @@ const verb_page shelf_page = {
 
 namespace {
 
-// Every shape's first place is the sub-command name.
+// The sub-command name fills the first place of every shape but the bare
+// command, which an unknown case number or selector gives.
 constexpr command_shape bare = {"shelf"};
 
 constexpr command_form name_only[] = {{std::nullopt, {"shelf %s", {given_text()}}}};
