@@ -1,8 +1,10 @@
 #include "main/verb_table.hpp"
 
 #include "page/fixed_verbs.hpp"
+#include "verbs/fans.hpp"
 #include "verbs/fru_board.hpp"
 #include "verbs/sensor_sel.hpp"
+#include "verbs/shelf.hpp"
 
 namespace {
 
@@ -10,6 +12,7 @@ namespace {
 constexpr verb_entry verbs[] = {
     {"activate", &activate_page, form_reading::registry, plan_activate},
     {"board", &board_page, form_reading::direct, plan_board},
+    {"fans", &fans_page, form_reading::registry, plan_fans},
     {"fru", &fru_page, form_reading::registry, plan_fru},
     {"gethysteresis", &gethysteresis_verb.page, form_reading::registry, plan_shaped<gethysteresis_verb>},
     {"getthreshold", &getthreshold_verb.page, form_reading::registry, plan_shaped<getthreshold_verb>},
@@ -20,10 +23,13 @@ constexpr verb_entry verbs[] = {
     {"sensordata", &sensordata_verb.page, form_reading::registry, plan_shaped<sensordata_verb>},
     {"sethysteresis", &sethysteresis_verb.page, form_reading::registry, plan_shaped<sethysteresis_verb>},
     {"setthreshold", &setthreshold_verb.page, form_reading::registry, plan_shaped<setthreshold_verb>},
+    {"shelf", &shelf_page, form_reading::registry, plan_shelf},
     {"version", &version_page, form_reading::direct, plan_fixed_command},
     {"switchover", &switchover_page, form_reading::direct, plan_fixed_command},
     {"frudata", &frudata_page, form_reading::registry, plan_frudata},
     {"fruinfo", &fruinfo_page, form_reading::registry, plan_fruinfo},
+    {"getfanlevel", &getfanlevel_page, form_reading::registry, plan_getfanlevel},
+    {"setfanlevel", &setfanlevel_page, form_reading::registry, plan_setfanlevel},
     {"getsensoreventenable", &getsensoreventenable_verb.page, form_reading::registry,
      plan_shaped<getsensoreventenable_verb>},
     {"setsensoreventenable", &setsensoreventenable_verb.page, form_reading::registry,

@@ -1,14 +1,24 @@
 #include "verbs/command_shape.hpp"
 
-bool all_present(const form_input& form, param_set set) {
-    for (std::uint32_t id = 0; id < 64; ++id) {
-        if ((set >> id & 1) != 0 && !form.param(static_cast<param::id>(id)).present()) return false;
+namespace {
+
+// True when some parameter of the set is present (or, for `present` false, absent).
+bool any_is(const form_input& form, param_set set, bool present) {
+    for (std::uint32_t id = 0; id < param_count; ++id) {
+        if (set.has(id) && form.param(static_cast<param::id>(id)).present() == present) return true;
     }
-    return true;
+    return false;
 }
 
-const command_shape& pick_shape(const form_input& form, std::span<const command_form> forms) {
-    std::uint32_t selector = form.param(param::req_type).number();
+}  // namespace
+
+bool all_present(const form_input& form, param_set set) { return !any_is(form, set, false); }
+
+bool none_present(const form_input& form, param_set set) { return !any_is(form, set, true); }
+
+const command_shape& pick_shape(const form_input& form, std::span<const command_form> forms,
+                                param::id selector_field) {
+    std::uint32_t selector = form.param(selector_field).number();
     for (const command_form& candidate : forms) {
         if (!candidate.selector || *candidate.selector == selector) return candidate.shape;
     }
@@ -17,8 +27,9 @@ const command_shape& pick_shape(const form_input& form, std::span<const command_
 
 namespace {
 
-std::string_view slot_text(const form_input& form, const slot& place) {
-    if (!all_present(form, place.needs)) return place.fallback;
+std::string_view slot_text(const form_input& form, const slot& place, std::string_view given) {
+    if (!all_present(form, place.needs) || !none_present(form, place.unless)) return place.fallback;
+    if (place.given) return given;
     if (!place.field) return place.word;
     field value = form.param(*place.field);
     return value.present() ? value.or_empty() : place.fallback;
@@ -26,11 +37,11 @@ std::string_view slot_text(const form_input& form, const slot& place) {
 
 }  // namespace
 
-void append_shape(const form_input& form, const command_shape& shape, command_text& command) {
+void append_shape(const form_input& form, const command_shape& shape, command_text& command,
+                  std::string_view given) {
     const auto& s = shape.slots;
-    append_filled(command, shape.tmpl,
-                  {slot_text(form, s[0]), slot_text(form, s[1]), slot_text(form, s[2]), slot_text(form, s[3]),
-                   slot_text(form, s[4])});
+    auto text = [&](const slot& place) { return slot_text(form, place, given); };
+    append_filled(command, shape.tmpl, {text(s[0]), text(s[1]), text(s[2]), text(s[3]), text(s[4])});
 }
 
 void note_verbose(field verbose, verb_plan& plan) {

@@ -81,3 +81,51 @@ TEST(CommandShape, PicksTheFormByReqTypeWithAbsentReadingAsZero) {
         EXPECT_EQ(pick_shape(input.form, forms).tmpl, c.picked) << (c.pairs.empty() ? "" : c.pairs[1]);
     }
 }
+
+namespace {
+
+// Ids past 63 (value, raw, feed0), a caller's text, and a place that gives
+// way to another field when that one is present.
+constexpr command_shape high_ids = {
+    "h %s %s %s%s", {given_text(), take(feed0), take(value), take(raw).except({value})}, params_of({feed0, raw})};
+
+}  // namespace
+
+TEST(CommandShape, HighIdsCallerTextAndPlacesThatGiveWay) {
+    struct {
+        std::vector<std::string> pairs;
+        std::string text;
+        bool complete;
+    } cases[] = {
+        {{}, "h name  ", false},
+        {{"feed0", "F", "raw", "R"}, "h name F R", true},
+        {{"feed0", "F", "value", "V", "raw", "R"}, "h name F V", true},
+        {{"raw", "R"}, "h name  R", false},
+        {{"value", "V", "addr1_0", "A", "command", "C"}, "h name  V", false},
+        {{"value", "", "raw", "R"}, "h name  R", false},
+    };
+    for (const auto& c : cases) {
+        bound_form input(c.pairs);
+        command_text command;
+        append_shape(input.form, high_ids, command, "name");
+        EXPECT_EQ(command.view(), c.text);
+        EXPECT_EQ(all_present(input.form, high_ids.complete), c.complete) << c.text;
+        EXPECT_EQ(none_present(input.form, params_of({value, raw})), c.text.find_first_of("VR") == std::string::npos)
+            << c.text;
+    }
+}
+
+TEST(CommandShape, PicksByTheNamedSelector) {
+    struct {
+        std::vector<std::string> pairs;
+        std::string picked;
+    } cases[] = {
+        {{"req_type_pwrdelay", "2"}, "two"},
+        {{"req_type_pwrdelay", "1", "req_type", "2"}, "other"},
+        {{"req_type", "2"}, "zero"},
+    };
+    for (const auto& c : cases) {
+        bound_form input(c.pairs);
+        EXPECT_EQ(pick_shape(input.form, forms, req_type_pwrdelay).tmpl, c.picked) << c.pairs[1];
+    }
+}

@@ -1,0 +1,9 @@
+// The shelf verb: a case number and a sub-command name in `command`, and
+// the arguments of the parameter family the case number selects.
+#pragma once
+
+#include "page/verb_page.hpp"
+
+extern const verb_page shelf_page;
+
+void plan_shelf(const form_input& form, verb_plan& plan);
