@@ -34,14 +34,14 @@ struct fan_case {
     std::string refusal;              // non-empty: the tool does not run and this fills the block
 };
 
-void expect_cases(const std::string& verb, const page_literals& page, const std::vector<fan_case>& cases) {
+void expect_fan_cases(const std::string& verb, const page_literals& page, const std::vector<fan_case>& cases) {
     for (const fan_case& c : cases) expect_verb_page(verb, page, {c.body, "", c.command, c.refusal});
 }
 
 }  // namespace
 
 TEST(FansE2E, Fans) {
-    expect_cases("fans", fans_literals, {
+    expect_fan_cases("fans", fans_literals, {
         {by_get, "fans  ", ""},
         {"submit=Go", "fans  ", ""},
         {"addr1_0=0x20&id2_0=3", "fans 0x20 3", ""},
@@ -67,7 +67,7 @@ TEST(FansE2E, Fans) {
 }
 
 TEST(FansE2E, Getfanlevel) {
-    expect_cases("getfanlevel", getfanlevel_literals, {
+    expect_fan_cases("getfanlevel", getfanlevel_literals, {
         {by_get, "", specify_all},
         {"verbose=-v", "", specify_all},
         {"addr1_0=a&id2_0=b", "getfanlevel  a b", ""},
@@ -91,7 +91,7 @@ TEST(FansE2E, Getfanlevel) {
 }
 
 TEST(FansE2E, Setfanlevel) {
-    expect_cases("setfanlevel", setfanlevel_literals, {
+    expect_fan_cases("setfanlevel", setfanlevel_literals, {
         {by_get, "", specify_all},
         {"addr1_0=a&id2_0=b&value=5", "setfanlevel  a b 5", ""},
         {"verbose=V&addr1_0=a&id2_0=b&value=5", "setfanlevel V a b 5", ""},

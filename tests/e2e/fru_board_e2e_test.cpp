@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "gateway_run.hpp"
+#include "verb_cases.hpp"
 
 namespace {
 
@@ -52,28 +53,6 @@ const std::string too_long = "The command is too long to send<BR>";
 const std::string line_break = "A value may not contain a line break<BR>";
 const std::string x300(300, 'x');
 const std::optional<std::string> by_get = std::nullopt;
-
-struct verb_case {
-    std::optional<std::string> body;  // nullopt: a GET request
-    std::string notes;
-    std::string command;  // what the tool receives
-    std::string refusal;  // non-empty: the tool does not run and this fills the block
-};
-
-void expect_cases(const std::string& verb, const page_literals& page, const std::vector<verb_case>& cases) {
-    for (const verb_case& c : cases) {
-        SCOPED_TRACE(verb + " " + c.body.value_or("(GET)"));
-        gateway_result r = run_gateway(c.body ? post(verb, *c.body) : get(verb));
-        EXPECT_EQ(r.status, 0);
-        if (c.refusal.empty()) {
-            EXPECT_EQ(r.out, expected_page(page, c.notes, stub_answer(c.command)));
-            EXPECT_EQ(r.tool_input, tool_input_for(c.command));
-        } else {
-            EXPECT_EQ(r.out, expected_page(page, c.notes, c.refusal));
-            EXPECT_FALSE(r.tool_input.has_value());
-        }
-    }
-}
 
 }  // namespace
 
