@@ -142,8 +142,15 @@ for (const verb of PAGES) {
     assert.ok(buttons.length >= 1, 'a submit button');
     for (const b of buttons) assert.equal(b.name, undefined, 'submit button without name');
 
+    // A POST with an empty body is refused by the gateway: a form whose
+    // controls may all stay unposted (none, or only checkboxes) carries the
+    // hidden field "posted"; no other form has hidden fields.
+    const hidden = controls(form.body).filter((c) => c.type === 'hidden');
+    const mayPostNothing = controls(form.body).every((c) => c.type === 'checkbox' || c.type === 'hidden' || c.type === 'submit');
+    assert.deepEqual(hidden.map((c) => `${c.name}=${c.value}`), mayPostNothing ? ['posted=1'] : []);
+
     // Field names: within the allowed set, required ones present, no duplicates except radio groups.
-    const fields = controls(form.body).filter((c) => c.type !== 'submit');
+    const fields = controls(form.body).filter((c) => c.type !== 'submit' && c.type !== 'hidden');
     const names = fields.map((c) => c.name);
     for (const n of names) assert.ok(all.has(n), `unexpected field ${n}`);
     for (const n of req) assert.ok(names.includes(n), `missing field ${n}`);
@@ -192,7 +199,7 @@ for (const verb of PAGES) {
     for (const m of form.body.matchAll(/<(\/?)fieldset\b[^>]*>|<(?:input|select|textarea)\b([^>]*)>/gi)) {
       if (/^<fieldset/i.test(m[0])) depth++;
       else if (m[1]) depth--;
-      else if (attrs(m[2]).type !== 'submit') assert.ok(depth > 0, `${attrs(m[2]).name} is inside a fieldset`);
+      else if (!['submit', 'hidden'].includes(attrs(m[2]).type)) assert.ok(depth > 0, `${attrs(m[2]).name} is inside a fieldset`);
     }
 
     for (const [name, values] of Object.entries(SELECTS[verb] ?? {}))
