@@ -41,7 +41,8 @@ void append_shape(const form_input& form, const command_shape& shape, command_te
                   std::string_view given) {
     const auto& s = shape.slots;
     auto text = [&](const slot& place) { return slot_text(form, place, given); };
-    append_filled(command, shape.tmpl, {text(s[0]), text(s[1]), text(s[2]), text(s[3]), text(s[4])});
+    append_filled(command, shape.tmpl,
+                  {text(s[0]), text(s[1]), text(s[2]), text(s[3]), text(s[4]), text(s[5]), text(s[6])});
 }
 
 void note_verbose(field verbose, verb_plan& plan) {

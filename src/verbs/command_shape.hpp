@@ -71,7 +71,7 @@ constexpr slot given_text() { return {std::nullopt, {}, {}, {}, {}, true}; }
 // is what a verb that checks its unit requires; it plays no part in filling.
 struct command_shape {
     std::string_view tmpl;
-    std::array<slot, 5> slots = {};
+    std::array<slot, 7> slots = {};
     param_set complete = {};
 };
 

@@ -10,14 +10,12 @@ constexpr std::string_view mask_pair_message = "Deasserted mask must be specifie
 
 constexpr std::string_view sel_back_link = "<A HREF=\"/verbs/sel.html\"> Back to the previous page </A>";
 
-bool pti_sym_form(const form_input& form) { return form.param(req_type).reads_as(1); }
-
 // sensor, sensordata, getthreshold and gethysteresis differ only in their
 // literals: the verbose note, and id3_0 stands only after the field before it.
 constexpr shaped_verb reading_verb(verb_page page, std::string_view tmpl1, std::string_view tmpl0) {
     return {.page = page,
-            .set1 = {tmpl1, {arg(verbose), arg(pti_sym1_1), arg(id2_1), gated(id3_0, id2_1)}},
-            .set0 = {tmpl0, {arg(verbose), arg(addr1_0), gated(id3_0, addr1_0)}},
+            .sets = {set1({tmpl1, {take(verbose), take(pti_sym1_1), take(id2_1), take(id3_0).when({id2_1})}}),
+                     set0({tmpl0, {take(verbose), take(addr1_0), take(id3_0).when({addr1_0})}})},
             .verbose_note = true};
 }
 
@@ -59,10 +57,12 @@ const shaped_verb setthreshold_verb = {
                        "Set Sensor Threshold </TITLE></HEAD><BODY>",
              .heading = "<H2> Set Sensor Threshold</H2>",
              .back_link = "<A HREF=\"/verbs/setthreshold.html\"> Back to the previous page </A>"},
-    .set1 = {"setthreshold %s %s %s %s %s %s %s",
-             {arg(verbose), need(pti_sym1_1), need(id2_1), need(id3_0), need(tr), arg(raw), need(value)}},
-    .set0 = {"setthreshold %s %s %s %s %s %s",
-             {arg(verbose), need(addr1_0), need(id3_0), need(tr), arg(raw), need(value)}},
+    .sets = {set1({"setthreshold %s %s %s %s %s %s %s",
+                   {take(verbose), take(pti_sym1_1), take(id2_1), take(id3_0), take(tr), take(raw), take(value)},
+                   params_of({pti_sym1_1, id2_1, id3_0, tr, value})}),
+             set0({"setthreshold %s %s %s %s %s %s",
+                   {take(verbose), take(addr1_0), take(id3_0), take(tr), take(raw), take(value)},
+                   params_of({addr1_0, id3_0, tr, value})})},
     .refusal = refuse_unless_a_set_is_complete,
 };
 
@@ -71,9 +71,12 @@ const shaped_verb sethysteresis_verb = {
                        "Set Sensor Hysteresis </TITLE></HEAD><BODY>",
              .heading = "<H2> Set Sensor Hysteresis</H2>",
              .back_link = "<A HREF=\"/verbs/sethysteresis.html\"> Back to the previous page </A>"},
-    .set1 = {"sethysteresis %s %s %s %s %s %s",
-             {arg(verbose), need(pti_sym1_1), need(id2_1), need(id3_0), need(tr), need(value)}},
-    .set0 = {"sethysteresis %s %s %s %s %s", {arg(verbose), need(addr1_0), need(id3_0), need(tr), need(value)}},
+    .sets = {set1({"sethysteresis %s %s %s %s %s %s",
+                   {take(verbose), take(pti_sym1_1), take(id2_1), take(id3_0), take(tr), take(value)},
+                   params_of({pti_sym1_1, id2_1, id3_0, tr, value})}),
+             set0({"sethysteresis %s %s %s %s %s",
+                   {take(verbose), take(addr1_0), take(id3_0), take(tr), take(value)},
+                   params_of({addr1_0, id3_0, tr, value})})},
     .refusal = refuse_unless_a_set_is_complete,
 };
 
@@ -84,8 +87,8 @@ const shaped_verb getsensoreventenable_verb = {
                        "Get Sensor Event Enable Mask</TITLE></HEAD><BODY>",
              .heading = "<H2> Get Sensor Event Enable Mask</H2>",
              .back_link = "<A HREF=\"/verbs/getsensoreventenable.html\"> Back to the previous page </A>"},
-    .set1 = {"getsensoreventenable %s %s %s", {arg(pti_sym1_1), arg(id2_1), gated(id3_0, id2_1)}},
-    .set0 = {"getsensoreventenable %s %s", {arg(addr1_0), gated(id3_0, addr1_0)}},
+    .sets = {set1({"getsensoreventenable %s %s %s", {take(pti_sym1_1), take(id2_1), take(id3_0).when({id2_1})}}),
+             set0({"getsensoreventenable %s %s", {take(addr1_0), take(id3_0).when({addr1_0})}})},
 };
 
 // Set 1 takes id2_0 second; id2_1 follows id3_0 in both sets.
@@ -94,9 +97,12 @@ const shaped_verb setsensoreventenable_verb = {
                        "Set Sensor Event Enable Mask</TITLE></HEAD><BODY>",
              .heading = "<H2> Set Sensor Event Enable Mask</H2>",
              .back_link = "<A HREF=\"/verbs/setsensoreventenable.html\"> Back to the previous page </A>"},
-    .set1 = {"setsensoreventenable %s %s %s %s %s %s",
-             {need(pti_sym1_1), need(id2_0), need(id3_0), need(id2_1), arg(id2_2), arg(id2_3)}},
-    .set0 = {"setsensoreventenable %s %s %s %s %s", {need(addr1_0), need(id3_0), need(id2_1), arg(id2_2), arg(id2_3)}},
+    .sets = {set1({"setsensoreventenable %s %s %s %s %s %s",
+                   {take(pti_sym1_1), take(id2_0), take(id3_0), take(id2_1), take(id2_2), take(id2_3)},
+                   params_of({pti_sym1_1, id2_0, id3_0, id2_1})}),
+             set0({"setsensoreventenable %s %s %s %s %s",
+                   {take(addr1_0), take(id3_0), take(id2_1), take(id2_2), take(id2_3)},
+                   params_of({addr1_0, id3_0, id2_1})})},
     .refusal = refuse_event_enable,
 };
 
@@ -105,8 +111,8 @@ const shaped_verb sel_information_verb = {
                        "SEL Information </TITLE></HEAD><BODY>",
              .heading = "<H2> SEL Information </H2>",
              .back_link = sel_back_link},
-    .set1 = {"sel %s %s %s %s", {arg(verbose), arg(pti_sym1_1), arg(id2_1), gated(value, id2_1)}},
-    .set0 = {"sel %s %s %s", {arg(verbose), arg(addr1_0), gated(value, addr1_0)}},
+    .sets = {set1({"sel %s %s %s %s", {take(verbose), take(pti_sym1_1), take(id2_1), take(value).when({id2_1})}}),
+             set0({"sel %s %s %s", {take(verbose), take(addr1_0), take(value).when({addr1_0})}})},
 };
 
 // The tool's answer stands between the rules, with no PRE block.
@@ -117,8 +123,7 @@ const shaped_verb sel_clear_verb = {
              .back_link = sel_back_link,
              .output_opener = "</P><HR>",
              .output_closer = "<HR>"},
-    .set1 = {"sel clear %s %s", {arg(pti_sym1_1), arg(id2_1)}},
-    .set0 = {"sel clear %s ", {arg(addr1_0)}},
+    .sets = {set1({"sel clear %s %s", {take(pti_sym1_1), take(id2_1)}}), set0({"sel clear %s ", {take(addr1_0)}})},
 };
 
 const shaped_verb sel_info_verb = {
@@ -126,41 +131,27 @@ const shaped_verb sel_info_verb = {
                        "SEL Info </TITLE></HEAD><BODY>",
              .heading = "<H2> SEL Info </H2>",
              .back_link = sel_back_link},
-    .set1 = {"sel info %s %s %s", {arg(verbose), arg(pti_sym1_1), arg(id2_1)}},
-    .set0 = {"sel info %s %s ", {arg(verbose), arg(addr1_0)}},
+    .sets = {set1({"sel info %s %s %s", {take(verbose), take(pti_sym1_1), take(id2_1)}}),
+             set0({"sel info %s %s ", {take(verbose), take(addr1_0)}})},
 };
 
-bool set_complete(const arg_set& set, const form_input& form) {
-    for (std::size_t i = 0; i < set.count; ++i) {
-        if (set.args[i].required && !form.param(set.args[i].field).present()) return false;
-    }
-    return true;
-}
-
 std::string_view refuse_unless_a_set_is_complete(const shaped_verb& verb, const form_input& form) {
-    if (set_complete(verb.set1, form) || set_complete(verb.set0, form)) return {};
+    if (all_present(form, verb.sets[0].shape.complete) || all_present(form, verb.sets[1].shape.complete)) return {};
     return all_parameters_message;
 }
 
 std::string_view refuse_event_enable(const shaped_verb& verb, const form_input& form) {
     std::uint32_t selector = form.param(req_type).number();
     if (selector > 1) return the_parameters_message;
-    if (!set_complete(selector == 1 ? verb.set1 : verb.set0, form)) return the_parameters_message;
+    if (!all_present(form, verb.sets[selector == 1 ? 0 : 1].shape.complete)) return the_parameters_message;
     if (form.param(id2_2).present() != form.param(id2_3).present()) return mask_pair_message;
     return {};
 }
 
 void plan_shaped_verb(const shaped_verb& verb, const form_input& form, verb_plan& plan) {
     plan.page = &verb.page;
-    const arg_set& set = pti_sym_form(form) ? verb.set1 : verb.set0;
-    std::string_view a[arg_set::max_args];
-    for (std::size_t i = 0; i < set.count; ++i) {
-        field gate = form.param(set.args[i].gate);
-        if (gate.present()) a[i] = form.param(set.args[i].field).or_empty();
-    }
-    static_assert(arg_set::max_args == 7, "the fill below passes every argument place");
-    append_filled(plan.command, set.tmpl, {a[0], a[1], a[2], a[3], a[4], a[5], a[6]});
-    if (verb.verbose_note && form.param(verbose).present()) plan.notes.append(verbose_note);
+    append_shape(form, pick_shape(form, verb.sets), plan.command);
+    if (verb.verbose_note) note_verbose(form.param(verbose), plan);
     if (verb.refusal != nullptr) plan.refusal = verb.refusal(verb, form);
 }
 

@@ -13,50 +13,23 @@
 #include <string_view>
 
 #include "page/verb_page.hpp"
-
-// One argument of a template: the text of `field` when both `field` and
-// `gate` are present, else the empty text. `required` marks the fields a
-// set must have for a validating verb to run.
-struct arg_spec {
-    param::id field;
-    param::id gate;
-    bool required;
-};
-
-// An argument that stands whenever its field is present.
-constexpr arg_spec arg(param::id field) { return {field, field, false}; }
-// The same, and the set is incomplete without it.
-constexpr arg_spec need(param::id field) { return {field, field, true}; }
-// An argument that stands only when `gate` is present too.
-constexpr arg_spec gated(param::id field, param::id gate) { return {field, gate, false}; }
-
-// A template and the arguments that fill its "%s" places, in order.
-struct arg_set {
-    static constexpr std::size_t max_args = 7;
-
-    constexpr arg_set(std::string_view tmpl, std::initializer_list<arg_spec> list) : tmpl(tmpl) {
-        for (const arg_spec& a : list) args[count++] = a;
-    }
-
-    std::string_view tmpl;
-    arg_spec args[max_args] = {};
-    std::size_t count = 0;
-};
+#include "verbs/command_shape.hpp"
 
 struct shaped_verb;
 // Why the form may not run the command, or empty when it may.
 using refusal_rule = std::string_view (*)(const shaped_verb& verb, const form_input& form);
 
+// Set 1 (req_type reads as 1) first, then set 0 (any other req_type, or
+// none); each shape's `complete` holds the fields a validating verb needs.
 struct shaped_verb {
     verb_page page;
-    arg_set set1;                    // req_type reads as 1
-    arg_set set0;                    // any other req_type, or none
+    command_form sets[2];
     bool verbose_note = false;       // the verbose note follows the heading when `verbose` is present
     refusal_rule refusal = nullptr;  // null: the command always runs
 };
 
-// True when every required field of `set` is present.
-bool set_complete(const arg_set& set, const form_input& form);
+constexpr command_form set1(command_shape shape) { return {1, shape}; }
+constexpr command_form set0(command_shape shape) { return {std::nullopt, shape}; }
 
 // The command runs when either set is complete, whichever req_type chose.
 std::string_view refuse_unless_a_set_is_complete(const shaped_verb& verb, const form_input& form);
