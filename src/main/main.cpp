@@ -25,6 +25,10 @@ int log_invocation(const char* invocation) {
 }  // namespace
 
 int main(int, char** argv) {
+    // The page goes out through one fixed buffer: no allocation and no
+    // probing of the output file before the first write.
+    static char page_buffer[16384];
+    std::setvbuf(stdout, page_buffer, _IOFBF, sizeof page_buffer);
     const char* invocation = argv[0];
     int log_fd = log_invocation(invocation);
     if (const verb_entry* verb = find_verb(verb_name_of(invocation))) {
