@@ -27,11 +27,18 @@ const command_shape& pick_shape(const form_input& form, std::span<const command_
 
 namespace {
 
+bool holds(const form_input& form, const std::uint8_t (&ids)[2], bool present) {
+    for (std::uint8_t id : ids) {
+        if (id != no_param && form.param(static_cast<param::id>(id)).present() != present) return false;
+    }
+    return true;
+}
+
 std::string_view slot_text(const form_input& form, const slot& place, std::string_view given) {
-    if (!all_present(form, place.needs) || !none_present(form, place.unless)) return place.fallback;
+    if (!holds(form, place.needs, true) || !holds(form, place.unless, false)) return place.fallback;
     if (place.given) return given;
-    if (!place.field) return place.word;
-    field value = form.param(*place.field);
+    if (place.field == no_param) return place.word;
+    field value = form.param(static_cast<param::id>(place.field));
     return value.present() ? value.or_empty() : place.fallback;
 }
 

@@ -33,39 +33,61 @@ constexpr param_set params_of(std::initializer_list<param::id> ids) {
 // True when every parameter of the set is present.
 bool all_present(const form_input& form, param_set set);
 
+// Parameter ids fit a byte; this one stands for no parameter.
+inline constexpr std::uint8_t no_param = 0xFF;
+
 // One "%s" place: the field's text (or the fixed word when there is no
-// field, or the caller's text for a `given` place) when every parameter of
-// `needs` is present, none of `unless` is, and the field is; otherwise the
-// fallback.
+// field, or the caller's text for a `given` place) when the parameters of
+// `needs` are present, those of `unless` absent, and the field present;
+// otherwise the fallback. Kept small: the verbs' tables are many places.
 struct slot {
-    std::optional<param::id> field;
-    std::string_view word;
-    param_set needs = {};
-    std::string_view fallback;
-    param_set unless = {};
+    std::uint8_t field = no_param;
+    std::uint8_t needs[2] = {no_param, no_param};
+    std::uint8_t unless[2] = {no_param, no_param};
     bool given = false;
+    const char* word = "";
+    const char* fallback = "";
 
     constexpr slot when(std::initializer_list<param::id> ids) const {
         slot s = *this;
-        s.needs = params_of(ids);
+        list_into(s.needs, ids);
         return s;
     }
     constexpr slot except(std::initializer_list<param::id> ids) const {
         slot s = *this;
-        s.unless = params_of(ids);
+        list_into(s.unless, ids);
         return s;
     }
-    constexpr slot or_else(std::string_view text) const {
+    constexpr slot or_else(const char* text) const {
         slot s = *this;
         s.fallback = text;
         return s;
     }
+
+private:
+    // At most two conditions a place; a third fails to compile in a table.
+    static constexpr void list_into(std::uint8_t (&to)[2], std::initializer_list<param::id> ids) {
+        std::size_t i = 0;
+        for (param::id id : ids) to[i++] = static_cast<std::uint8_t>(id);
+    }
 };
 
-constexpr slot take(param::id field) { return {field, {}, {}, {}}; }
-constexpr slot put(std::string_view word) { return {std::nullopt, word, {}, {}}; }
+constexpr slot take(param::id field) {
+    slot s;
+    s.field = static_cast<std::uint8_t>(field);
+    return s;
+}
+constexpr slot put(const char* word) {
+    slot s;
+    s.word = word;
+    return s;
+}
 // Filled with the text the caller passes to append_shape.
-constexpr slot given_text() { return {std::nullopt, {}, {}, {}, {}, true}; }
+constexpr slot given_text() {
+    slot s;
+    s.given = true;
+    return s;
+}
 
 // A template and its places in order (unused places stay empty). `complete`
 // is what a verb that checks its unit requires; it plays no part in filling.
