@@ -16,6 +16,13 @@ bool all_present(const form_input& form, param_set set) { return !any_is(form, s
 
 bool none_present(const form_input& form, param_set set) { return !any_is(form, set, true); }
 
+bool any_form_complete(const form_input& form, std::span<const command_form> forms) {
+    for (const command_form& candidate : forms) {
+        if (all_present(form, candidate.shape.complete)) return true;
+    }
+    return false;
+}
+
 const command_shape& pick_shape(const form_input& form, std::span<const command_form> forms,
                                 param::id selector_field) {
     std::uint32_t selector = form.param(selector_field).number();

@@ -108,6 +108,13 @@ struct command_form {
 const command_shape& pick_shape(const form_input& form, std::span<const command_form> forms,
                                 param::id selector = param::req_type);
 
+// True when some form's `complete` set is all present, whichever form the
+// selector chose: the run rule of the verbs that name a unit in two ways.
+bool any_form_complete(const form_input& form, std::span<const command_form> forms);
+
+// What those verbs write when no unit is complete.
+inline constexpr std::string_view all_parameters_message = "It is necessary to specify all parameters<BR>";
+
 // True when none of the set's parameters is present.
 bool none_present(const form_input& form, param_set set);
 

@@ -30,50 +30,44 @@ const verb_page setfanlevel_page = {
 
 namespace {
 
-// What lets a fan named by address or by pti_sym run, whichever form was picked.
-constexpr param_set by_address = params_of({addr1_0, id2_0});
-constexpr param_set by_pti_sym = params_of({pti_sym1_1, id2_1});
-constexpr param_set by_address_with_value = params_of({addr1_0, id2_0, value});
-constexpr param_set by_pti_sym_with_value = params_of({pti_sym1_1, id2_1, value});
-
 // fans has no required fields and takes the pti_sym form for any non-zero selector.
 constexpr command_form fans_forms[] = {
     {0, {"fans %s %s", {take(addr1_0), take(id2_0)}}},
     {std::nullopt, {"fans %s %s", {take(pti_sym1_1), take(id2_1)}}},
 };
 
+// A fan named by pti_sym or by address: either complete pair lets the
+// command run, whichever form was picked.
 constexpr command_form getfanlevel_forms[] = {
-    {1, {"getfanlevel %s %s %s", {take(verbose), take(pti_sym1_1), take(id2_1)}, by_pti_sym}},
-    {std::nullopt, {"getfanlevel %s %s %s", {take(verbose), take(addr1_0), take(id2_0)}, by_address}},
-};
-constexpr param_set getfanlevel_units[] = {by_pti_sym, by_address};
-
-constexpr command_form setfanlevel_forms[] = {
-    {1, {"setfanlevel %s %s %s %s", {take(verbose), take(pti_sym1_1), take(id2_1), take(value)}, by_pti_sym_with_value}},
-    {2, {"setfanlevel %s all %s", {take(verbose), take(value)}, params_of({value})}},
+    {1, {"getfanlevel %s %s %s", {take(verbose), take(pti_sym1_1), take(id2_1)}, params_of({pti_sym1_1, id2_1})}},
     {std::nullopt,
-     {"setfanlevel %s %s %s %s", {take(verbose), take(addr1_0), take(id2_0), take(value)}, by_address_with_value}},
+     {"getfanlevel %s %s %s", {take(verbose), take(addr1_0), take(id2_0)}, params_of({addr1_0, id2_0})}},
 };
-constexpr param_set setfanlevel_units[] = {by_pti_sym_with_value, by_address_with_value};
 
-// A form whose requirement is one of `units` runs when any unit is complete;
-// any other form runs only when its own requirement is met.
-bool ready(const form_input& form, const command_shape& shape, std::span<const param_set> units) {
-    if (all_present(form, shape.complete)) return true;
-    bool unit_form = false;
-    bool any_unit = false;
-    for (const param_set& unit : units) {
-        unit_form |= unit == shape.complete;
-        any_unit |= all_present(form, unit);
-    }
-    return unit_form && any_unit;
-}
+// Selector 2 sets every fan and needs only the level; the two forms after
+// it name one fan as getfanlevel does.
+constexpr command_form setfanlevel_forms[] = {
+    {2, {"setfanlevel %s all %s", {take(verbose), take(value)}, params_of({value})}},
+    {1,
+     {"setfanlevel %s %s %s %s",
+      {take(verbose), take(pti_sym1_1), take(id2_1), take(value)},
+      params_of({pti_sym1_1, id2_1, value})}},
+    {std::nullopt,
+     {"setfanlevel %s %s %s %s",
+      {take(verbose), take(addr1_0), take(id2_0), take(value)},
+      params_of({addr1_0, id2_0, value})}},
+};
 
-void plan_fan_verb(const form_input& form, std::span<const command_form> forms, std::span<const param_set> units,
-                   verb_plan& plan) {
+// The chosen form runs when its own fields are complete, or, when it names
+// one fan, when any form naming one fan (`unit_forms`) is.
+void plan_fan_verb(const form_input& form, std::span<const command_form> forms,
+                   std::span<const command_form> unit_forms, verb_plan& plan) {
     const command_shape& shape = pick_shape(form, forms);
     append_shape(form, shape, plan.command);
-    if (!ready(form, shape, units)) plan.refusal = "It is necessary to specify all parameters<BR>";
+    bool names_a_fan = false;
+    for (const command_form& unit : unit_forms) names_a_fan |= &unit.shape == &shape;
+    if (!all_present(form, shape.complete) && !(names_a_fan && any_form_complete(form, unit_forms)))
+        plan.refusal = all_parameters_message;
 }
 
 }  // namespace
@@ -81,9 +75,9 @@ void plan_fan_verb(const form_input& form, std::span<const command_form> forms, 
 void plan_fans(const form_input& form, verb_plan& plan) { plan_fan_verb(form, fans_forms, {}, plan); }
 
 void plan_getfanlevel(const form_input& form, verb_plan& plan) {
-    plan_fan_verb(form, getfanlevel_forms, getfanlevel_units, plan);
+    plan_fan_verb(form, getfanlevel_forms, getfanlevel_forms, plan);
 }
 
 void plan_setfanlevel(const form_input& form, verb_plan& plan) {
-    plan_fan_verb(form, setfanlevel_forms, setfanlevel_units, plan);
+    plan_fan_verb(form, setfanlevel_forms, std::span(setfanlevel_forms).subspan(1), plan);
 }

@@ -161,11 +161,7 @@ void plan_frudata(const form_input& form, verb_plan& plan) {
 void plan_fruinfo(const form_input& form, verb_plan& plan) {
     append_filled(plan.command, "fruinfo %s %s", {form.param(verbose).or_empty(), form.param(dump).or_empty()});
     append_unit_pair(form, plan.command);
-    // Either complete pair lets it run, whichever one `req_type` chose.
-    for (const command_form& pair : unit_pairs) {
-        if (all_present(form, pair.shape.complete)) return;
-    }
-    plan.refusal = "It is necessary to specify all parameters<BR>";
+    if (!any_form_complete(form, unit_pairs)) plan.refusal = all_parameters_message;
 }
 
 void plan_board(const form_input& form, verb_plan& plan) { plan_slot_verb(form, board_verb, plan); }

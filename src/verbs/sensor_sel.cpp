@@ -4,7 +4,6 @@ namespace {
 
 using namespace param;
 
-constexpr std::string_view all_parameters_message = "It is necessary to specify all parameters<BR>";
 constexpr std::string_view the_parameters_message = "It is necessary to specify the parameters<BR>";
 constexpr std::string_view mask_pair_message = "Deasserted mask must be specified along with the asserted mask<BR>";
 
@@ -136,7 +135,7 @@ const shaped_verb sel_info_verb = {
 };
 
 std::string_view refuse_unless_a_set_is_complete(const shaped_verb& verb, const form_input& form) {
-    if (all_present(form, verb.sets[0].shape.complete) || all_present(form, verb.sets[1].shape.complete)) return {};
+    if (any_form_complete(form, verb.sets)) return {};
     return all_parameters_message;
 }
 
