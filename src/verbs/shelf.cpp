@@ -111,7 +111,8 @@ void plan_shelf(const form_input& form, verb_plan& plan) {
     field value = form.param(command);
     std::string_view text = value.or_empty();
     // The case number fills the first two characters; the name follows.
-    std::string_view name = text.substr(std::min<std::size_t>(2, text.size()));
+    std::string_view name = text;
+    name.remove_prefix(std::min<std::size_t>(2, name.size()));
     if (value.present()) {
         fixed_text<1024> display;
         for (char c : name) {

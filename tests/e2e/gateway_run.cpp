@@ -171,9 +171,9 @@ std::string expected_page(const page_literals& page, std::string_view notes, std
     text += "<HR><P>";
     text += page.heading;
     text += notes;
-    text += "</P><HR><PRE>";
+    text += page.opener;
     text += block;
-    text += "</PRE><HR>";
+    text += page.closer;
     text += page.back_link;
     text += "</BODY></HTML>";
     return text;

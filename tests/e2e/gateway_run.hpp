@@ -44,5 +44,7 @@ std::string tool_input_for(std::string_view command);
 // A page as the skeleton lays it out.
 struct page_literals {
     std::string_view header, heading, back_link;
+    // Around the tool's answer; a page without a PRE block sets its own.
+    std::string_view opener = "</P><HR><PRE>", closer = "</PRE><HR>";
 };
 std::string expected_page(const page_literals& page, std::string_view notes, std::string_view block);

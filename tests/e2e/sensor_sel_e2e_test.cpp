@@ -6,14 +6,13 @@
 #include <string>
 #include <vector>
 
-#include "gateway_run.hpp"
+#include "verb_cases.hpp"
 
 namespace {
 
 struct verb_literals {
     std::string name;
     page_literals page;
-    bool bare = false;  // the answer stands between two rules, without a PRE block
 };
 
 const verb_literals sensor = {
@@ -69,8 +68,8 @@ const verb_literals sel_clear = {
     "sel",
     {"Content-type: text/html\n\n<HTML><HEAD>  <TITLE> Corvane&#8482; Shelf Manager, SEL Clear "
      "</TITLE></HEAD><BODY>",
-     "<H2> SEL Clear </H2>", "<A HREF=\"/verbs/sel.html\"> Back to the previous page </A>"},
-    true};
+     "<H2> SEL Clear </H2>", "<A HREF=\"/verbs/sel.html\"> Back to the previous page </A>",
+     "</P><HR>", "<HR>"}};
 const verb_literals sel_info = {
     "sel",
     {"Content-type: text/html\n\n<HTML><HEAD>  <TITLE> Corvane&#8482; Shelf Manager, SEL Info "
@@ -105,23 +104,8 @@ struct row {
     outcome want;
 };
 
-std::string page_for(const verb_literals& verb, std::string_view notes, std::string_view block) {
-    if (!verb.bare) return expected_page(verb.page, notes, block);
-    return std::string(verb.page.header) + "<HR><P>" + std::string(verb.page.heading) + std::string(notes) +
-           "</P><HR>" + std::string(block) + "<HR>" + std::string(verb.page.back_link) + "</BODY></HTML>";
-}
-
 void check(const verb_literals& verb, const row& r) {
-    SCOPED_TRACE(verb.name + " " + r.body.value_or("(GET)"));
-    gateway_result result = run_gateway(r.body ? post(verb.name, *r.body) : get(verb.name));
-    EXPECT_EQ(result.status, 0);
-    if (r.want.command) {
-        EXPECT_EQ(result.out, page_for(verb, r.notes, stub_answer(*r.want.command)));
-        EXPECT_EQ(result.tool_input, tool_input_for(*r.want.command));
-    } else {
-        EXPECT_EQ(result.out, page_for(verb, r.notes, r.want.message));
-        EXPECT_FALSE(result.tool_input.has_value());
-    }
+    expect_verb_page(verb.name, verb.page, {r.body, r.notes, r.want.command.value_or(""), r.want.message});
 }
 
 }  // namespace
