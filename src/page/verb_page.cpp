@@ -17,12 +17,23 @@ void put(std::FILE* out, std::string_view text) { std::fwrite(text.data(), 1, te
 
 }  // namespace
 
+void note_list::write(std::FILE* out) const {
+    for (std::size_t i = 0; i < count_; ++i) {
+        const piece& p = pieces_[i];
+        if (p.is_number) {
+            std::fprintf(out, "%d", static_cast<int>(p.number));
+        } else {
+            put(out, p.text);
+        }
+    }
+}
+
 void write_page(std::FILE* out, const verb_plan& plan, tool_runner run_tool) {
     const verb_page& page = *plan.page;
     put(out, page.header);
     put(out, "<HR><P>");
     put(out, plan.heading.empty() ? page.heading : plan.heading.view());
-    put(out, plan.notes.view());
+    plan.notes.write(out);
     put(out, page.output_opener);
     if (!plan.refusal.empty()) {
         put(out, plan.refusal);

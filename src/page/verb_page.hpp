@@ -2,6 +2,7 @@
 // command), and the one renderer that writes every verb's page.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <cstdio>
 #include <string_view>
@@ -45,11 +46,43 @@ struct form_input {
     field post_var(std::string_view name) const { return {post_var_value(items, name)}; }
 };
 
+// The notes written after the heading, held as pieces (literals, form
+// values, numbers) and written out whole: a note that repeats a form value
+// is never cut, however long the value. Texts must outlive the plan.
+class note_list {
+public:
+    static constexpr std::size_t max_pieces = 6;
+
+    // False when the list has no room for another piece (no verb needs that many).
+    bool append(std::string_view text) { return add({text, 0, false}); }
+    bool append_number(std::int32_t number) { return add({{}, number, true}); }
+    bool overflowed() const { return overflowed_; }
+    void write(std::FILE* out) const;
+
+private:
+    struct piece {
+        std::string_view text;
+        std::int32_t number;
+        bool is_number;
+    };
+    bool add(piece p) {
+        if (count_ == max_pieces) {
+            overflowed_ = true;
+            return false;
+        }
+        pieces_[count_++] = p;
+        return true;
+    }
+    std::array<piece, max_pieces> pieces_{};
+    std::size_t count_ = 0;
+    bool overflowed_ = false;
+};
+
 // What a verb decided for one request, before anything is written.
 struct verb_plan {
     const verb_page* page = nullptr;
     fixed_text<1024 + 64> heading;  // empty: the page's own heading literal
-    fixed_text<256> notes;          // written after the heading, in order
+    note_list notes;                // written after the heading, in order
     command_text command;
     std::string_view refusal;  // the verb's validation message; empty: run the tool
 };

@@ -130,7 +130,8 @@ void plan_slot_verb(const form_input& form, const slot_verb& verb, verb_plan& pl
     if (number != verb.without_number) {
         plan.command.appendf(" %d", number);
         plan.notes.append(verb.note);
-        plan.notes.appendf("%d<BR>", number);
+        plan.notes.append_number(number);
+        plan.notes.append("<BR>");
     }
 }
 

@@ -72,6 +72,7 @@ TEST(ShelfWideE2E, LanAndPefConfiguration) {
         {"channel=%24(reboot)&parameter=%60id%60", channel_note("$(reboot)"),
          "getlanconfig $(reboot) `id`", ""},
         {"parameter=" + x300, channel_note("1"), "", too_long},
+        {"channel=" + x300, channel_note(x300), "", too_long},  // the note is written whole
         {"channel=1%0Areboot", channel_note("1\nreboot"), "", line_break},
     });
     expect_cases("setlanconfig", setlanconfig_literals, {
