@@ -55,13 +55,23 @@ void decode_percent_escapes(char* text) {
     *out = '\0';
 }
 
+std::uint64_t form_list_bytes(std::uint64_t segments, std::uint64_t entry_size, std::uint64_t size_limit) {
+    // Checked by division first: on a 32-bit target 2^29 segments of
+    // 4-byte entries would wrap to a tiny allocation.
+    std::uint64_t max_entries = size_limit / entry_size;
+    if (max_entries == 0 || segments > (max_entries - 1) / 2) return 0;
+    return (2 * segments + 1) * entry_size;
+}
+
 bool decode_form_body(char* body, form_vars& vars) {
     std::size_t segments = 1;
     for (char* p = body; *p != '\0'; ++p) {
         if (*p == '+') *p = ' ';
         if (*p == '&') ++segments;
     }
-    char** items = static_cast<char**>(std::malloc((2 * segments + 1) * sizeof(char*)));
+    std::uint64_t bytes = form_list_bytes(segments, sizeof(char*), SIZE_MAX);
+    if (bytes == 0) return false;
+    char** items = static_cast<char**>(std::malloc(static_cast<std::size_t>(bytes)));
     if (items == nullptr) return false;
 
     std::size_t count = 0;

@@ -27,6 +27,11 @@ unsigned char hex_pair_value(unsigned char high, unsigned char low);
 // keeps its tail unchanged. The result is never longer than the input.
 void decode_percent_escapes(char* text);
 
+// Bytes for the list of `segments` name/value pairs and its end marker,
+// each entry `entry_size` bytes; 0 when that exceeds `size_limit`, the
+// largest allocation the target can ask for (SIZE_MAX there).
+std::uint64_t form_list_bytes(std::uint64_t segments, std::uint64_t entry_size, std::uint64_t size_limit);
+
 // Splits and decodes a zero-terminated body in place (the text is taken
 // over by the list). False only when memory runs out.
 bool decode_form_body(char* body, form_vars& vars);

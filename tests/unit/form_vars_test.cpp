@@ -90,3 +90,18 @@ TEST(RequestMethodKind, OnlyExactPostHasABody) {
                  {nullptr, -1}, {"POST ", -1}, {"GETX", -1}};
     for (const auto& c : cases) EXPECT_EQ(request_method_kind(c.method), c.kind) << (c.method ? c.method : "(unset)");
 }
+
+TEST(FormListBytes, RefusesWhatWouldWrapOnTheTarget) {
+    constexpr std::uint64_t max32 = UINT32_MAX;
+    struct {
+        std::uint64_t segments, entry_size, limit, bytes;
+    } cases[] = {
+        {1, 4, max32, 12},
+        {(1ull << 29) - 1, 4, max32, (1ull << 32) - 4},  // the largest list a 32-bit target can hold
+        {1ull << 29, 4, max32, 0},                       // 512 MiB of "&": 2^32 + 4 bytes would wrap to 4
+        {1ull << 31, 4, max32, 0},
+        {1ull << 29, 8, UINT64_MAX, ((1ull << 30) + 1) * 8},
+        {1ull << 62, 8, UINT64_MAX, 0},
+    };
+    for (const auto& c : cases) EXPECT_EQ(form_list_bytes(c.segments, c.entry_size, c.limit), c.bytes) << c.segments;
+}
