@@ -25,21 +25,51 @@ private:
     bool copying_ = false;
 };
 
+// How long the tool may stay silent, and how much it may print, before the
+// gateway ends it, whatever web server runs the gateway.
+struct tool_limits {
+    int silence_seconds;
+    std::size_t max_output_mib;
+};
+
+// 30 s and 16 MiB (tool_limits.cpp, an object of its own in the library,
+// so that a test build that defines shorter ones links those instead).
+extern const tool_limits tool_limits_in_force;
+
+// Why reading the tool's output ended.
+enum class output_end { open, closed, silent, too_long };
+
 // Cuts a byte stream into the pieces the filter judges: up to and including
-// a line feed, at most max_output_piece bytes.
+// a line feed, at most max_output_piece bytes. Stops when the stream stays
+// silent for the limit's time or has given the limit's bytes.
 class piece_reader {
 public:
-    explicit piece_reader(int fd) : fd_(fd) {}
-    // The next piece; false at end of output. A zero byte ends the piece's
-    // text, as it ends a C string read by fgets.
+    piece_reader(int fd, tool_limits limits);
+    // The next piece; false at the end of the output. A zero byte ends the
+    // piece's text, as it ends a C string read by fgets.
     bool next(std::string_view& piece);
+    output_end end() const { return end_; }
 
 private:
+    bool refill();
+
     int fd_;
+    int silence_ms_;
+    std::size_t max_bytes_, total_ = 0;
+    output_end end_ = output_end::open;
     char buf_[4096];
-    std::size_t start_ = 0, end_ = 0;
+    std::size_t start_ = 0, end_of_buf_ = 0;
     char piece_[max_output_piece + 1];
 };
+
+// True for the environment entries the tool is started with: all but those
+// a client chooses or that describe the request (HTTP_* headers, the query,
+// the body's type and length, the request's path and method).
+bool passes_to_tool(std::string_view entry);
+
+// Keeps the entries that pass, in order, in the null-terminated array
+// itself; returns how many remain.
+std::size_t keep_tool_environment(char** env);
 
 // Starts shelfctl found on the command search path (no shell), sends the
 // command text, "quit" and an empty line, filters the answer onto `out` and

@@ -181,17 +181,97 @@ TEST(CoreE2E, ToolThatCannotStart) {
     EXPECT_FALSE(r.tool_input.has_value());
 }
 
-TEST(CoreE2E, EndedByTheServerItEndsAndReapsTheTool) {
-    gateway_request hung = get("version");
-    hung.tool_mode = "sleep";
-    hung.terminate_after_ms = 300;
-    gateway_result r = run_gateway(hung);
-    EXPECT_EQ(r.status, 128 + SIGTERM);
-    ASSERT_TRUE(r.tool_input.has_value());
-    ASSERT_EQ(r.tool_input->rfind("pid ", 0), 0u) << *r.tool_input;
-    pid_t tool = std::stoi(r.tool_input->substr(4));
-    EXPECT_EQ(kill(tool, 0), -1);
-    EXPECT_EQ(errno, ESRCH);
+// The page as far as it stands when the tool starts: flushed before it.
+const std::string page_before_tool = version_page_with("").substr(0, version_page_with("").find("</PRE>"));
+const std::string page_after_tool = version_page_with("").substr(page_before_tool.size());
+
+TEST(CoreE2E, TheGatewayEndsASilentOrFloodingTool) {
+    std::string flood = "CLI> \n";
+    while (flood.size() < (1u << 20)) flood += "more output after the prompt\n";
+    struct {
+        std::string what, output, mode, block, complaint;
+    } cases[] = {
+        {"silent from the start", "", "hang", "", "verbgw: shelfctl gave no output for 1 s; ended\n"},
+        {"silent after part of an answer", "banner\nCLI> \npartial\n", "hang", "partial\n",
+         "verbgw: shelfctl gave no output for 1 s; ended\n"},
+        {"an answer without end", "CLI> \n", "flood", flood.substr(6, (1u << 20) - 6),
+         "verbgw: shelfctl's answer reached 1 MiB; ended\n"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        gateway_request request = get("version");
+        request.short_limits = true;
+        request.tool_output = c.output;
+        request.tool_mode = c.mode;
+        gateway_result r = run_gateway(request);
+        EXPECT_EQ(r.status, 0);
+        EXPECT_TRUE(r.out == version_page_with(c.block)) << r.out.size() << " bytes";
+        EXPECT_EQ(r.err, c.complaint);
+        EXPECT_EQ(r.tool_input, "version\nquit\n\n");
+        EXPECT_FALSE(process_alive(r.tool_pid));
+    }
+}
+
+TEST(CoreE2E, EndedByASignalItEndsAndReapsTheToolFirst) {
+    for (int sig : {SIGTERM, SIGHUP, SIGINT, SIGQUIT, SIGALRM, SIGUSR1, SIGUSR2}) {
+        SCOPED_TRACE(sig);
+        gateway_request hung = get("version");
+        hung.tool_mode = "hang";
+        hung.terminate_after_ms = 100;
+        hung.end_signal = sig;
+        gateway_result r = run_gateway(hung);
+        EXPECT_EQ(r.status, 128 + sig);
+        EXPECT_EQ(r.out, page_before_tool);
+        ASSERT_GT(r.tool_pid, 0);
+        EXPECT_FALSE(process_alive(r.tool_pid));
+    }
+}
+
+TEST(CoreE2E, TheToolGetsTheServersEnvironmentWithoutTheClients) {
+    gateway_request request = post("version", "a=1");
+    request.extra_env = {"HTTP_USER_AGENT=$(id)", "HTTP_X_EVIL=1", "QUERY_STRING=q", "CONTENT_TYPE=t",
+                         "PATH_INFO=/p", "PATH_TRANSLATED=/w/p", "REQUEST_URI=/u", "SHELFSIM_STATE=/s",
+                         "SERVER_SOFTWARE=web", "HTTPS=on"};
+    gateway_result r = run_gateway(request);
+    EXPECT_EQ(r.out, version_page_with(stub_answer("version")));
+    for (std::string dropped : {"HTTP_", "QUERY_STRING=", "CONTENT_TYPE=", "CONTENT_LENGTH=", "PATH_INFO=",
+                                "PATH_TRANSLATED=", "REQUEST_URI=", "REQUEST_METHOD="})
+        EXPECT_EQ(r.tool_env.find("\n" + dropped), std::string::npos) << dropped;
+    for (std::string kept : {"SHELFSIM_STATE=/s\n", "SERVER_SOFTWARE=web\n", "HTTPS=on\n", "STUB_MODE=read\n"})
+        EXPECT_NE(r.tool_env.find(kept), std::string::npos) << kept;
+    EXPECT_EQ(r.tool_env.rfind("PATH=", 0), 0u);
+}
+
+TEST(CoreE2E, ThePageSoFarPrecedesAnythingOnStandardError) {
+    gateway_request missing = get("version");
+    missing.tool_on_path = false;
+    missing.merge_stderr = true;
+    EXPECT_EQ(run_gateway(missing).out, page_before_tool + "verbgw: shelfctl: not found\n" + page_after_tool);
+
+    gateway_request warning = get("version");
+    warning.tool_mode = "warn";
+    warning.merge_stderr = true;
+    gateway_result r = run_gateway(warning);
+    EXPECT_EQ(r.out, page_before_tool + "shelfctl: warning\n" + stub_answer("version") + page_after_tool);
+}
+
+TEST(CoreE2E, TheToolIsFoundAnywhereOnThePathAndAFailedExecIsReported) {
+    char dir_template[] = "/tmp/verbgw-tools-XXXXXX";
+    std::string dir = mkdtemp(dir_template);
+    gateway_request second = get("version");
+    second.path_first = dir;  // an empty directory first
+    EXPECT_EQ(run_gateway(second).out, version_page_with(stub_answer("version")));
+
+    std::string bogus = dir + "/shelfctl";
+    std::ofstream(bogus) << "not a program\n";
+    chmod(bogus.c_str(), 0755);
+    gateway_request broken = get("version");
+    broken.tool_dir = dir;
+    gateway_result r = run_gateway(broken);
+    EXPECT_EQ(r.out, version_page_with("Error, -8\n"));  // ENOEXEC
+    EXPECT_EQ(r.status, 0);
+    unlink(bogus.c_str());
+    rmdir(dir.c_str());
 }
 
 TEST(CoreE2E, LogHoldsTheRawInvocationAtOffsetZero) {

@@ -8,6 +8,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -41,8 +42,10 @@ gateway_result run_gateway(const gateway_request& request) {
                 record_path = dir + "/tool_input";
     spill(body_path, request.body);
 
-    std::string binary = env_or("VERBGW_BINARY", VERBGW_DEFAULT_BINARY);
-    std::string stub_dir = env_or("VERBGW_STUB_DIR", VERBGW_DEFAULT_STUB_DIR);
+    std::string binary = request.short_limits ? env_or("VERBGW_SHORT_LIMITS_BINARY", VERBGW_SHORT_LIMITS_BINARY)
+                                              : env_or("VERBGW_BINARY", VERBGW_DEFAULT_BINARY);
+    std::string stub_dir =
+        request.tool_dir.empty() ? env_or("VERBGW_STUB_DIR", VERBGW_DEFAULT_STUB_DIR) : request.tool_dir;
     // VERBGW_EMULATOR (for a cross-built gateway) holds the emulator's
     // command; "-0 <name>" passes the invocation name through it.
     std::string emulator = env_or("VERBGW_EMULATOR", "");
@@ -53,7 +56,8 @@ gateway_result run_gateway(const gateway_request& request) {
     std::string link_dir = dir + "/links";
 
     std::vector<std::string> args;
-    std::string path_prefix = request.tool_on_path ? stub_dir + ":" : std::string();
+    std::string path_prefix = request.path_first.empty() ? std::string() : request.path_first + ":";
+    if (request.tool_on_path) path_prefix += stub_dir + ":";
     // Names a link cannot carry (paths, empty, over-long) run unwrapped, and
     // so does a gateway without room for the checker's own files.
     if (request.no_argv0 || request.argv0.empty() || request.argv0.size() > 200 ||
@@ -88,6 +92,7 @@ gateway_result run_gateway(const gateway_request& request) {
         env.push_back("CONTENT_LENGTH=" + std::to_string(request.body.size()));
     }
     if (request.tool_output) env.push_back("STUB_OUTPUT=" + *request.tool_output);
+    env.insert(env.end(), request.extra_env.begin(), request.extra_env.end());
     for (const char* pass : {"ASAN_OPTIONS", "UBSAN_OPTIONS", "QEMU_LD_PREFIX"}) {
         if (const char* value = std::getenv(pass)) env.push_back(std::string(pass) + "=" + value);
     }
@@ -107,7 +112,7 @@ gateway_result run_gateway(const gateway_request& request) {
         int err = open(err_path.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
         dup2(in, 0);
         dup2(out, 1);
-        dup2(err, 2);
+        dup2(request.merge_stderr ? out : err, 2);
         close(in);
         close(out);
         close(err);
@@ -129,9 +134,9 @@ gateway_result run_gateway(const gateway_request& request) {
         // Wait until the tool has started (it records its pid), however
         // slowly the gateway starts, then play the server's timeout.
         struct stat started;
-        for (int i = 0; i < 2000 && stat(record_path.c_str(), &started) != 0; ++i) usleep(5000);
+        for (int i = 0; i < 2000 && stat((record_path + ".pid").c_str(), &started) != 0; ++i) usleep(5000);
         usleep(static_cast<useconds_t>(request.terminate_after_ms) * 1000);
-        kill(pid, SIGTERM);
+        kill(pid, request.end_signal);
     }
     waitpid(pid, &wait_status, 0);
 
@@ -141,12 +146,18 @@ gateway_result run_gateway(const gateway_request& request) {
     result.status = WIFEXITED(wait_status) ? WEXITSTATUS(wait_status) : 128 + WTERMSIG(wait_status);
     struct stat record;
     if (stat(record_path.c_str(), &record) == 0) result.tool_input = slurp(record_path);
-    for (const std::string& path : {body_path, out_path, err_path, record_path, link_dir + "/" + request.argv0})
+    result.tool_env = slurp(record_path + ".env");
+    std::string pid_text = slurp(record_path + ".pid");
+    if (!pid_text.empty()) result.tool_pid = std::stoi(pid_text);
+    for (const std::string& path : {body_path, out_path, err_path, record_path, record_path + ".env",
+                                    record_path + ".pid", link_dir + "/" + request.argv0})
         unlink(path.c_str());
     rmdir(link_dir.c_str());
     rmdir(dir.c_str());
     return result;
 }
+
+bool process_alive(int pid) { return pid > 0 && (kill(pid, 0) == 0 || errno != ESRCH); }
 
 gateway_request post(std::string verb, std::string body) {
     gateway_request request;

@@ -18,7 +18,13 @@ struct gateway_request {
     bool tool_on_path = true;
     int open_file_limit = 0;  // 0: unchanged
     bool no_argv0 = false;    // start with an empty argument vector
-    int terminate_after_ms = 0;  // >0: SIGTERM this long after the tool started, as a server's timeout does
+    int terminate_after_ms = 0;  // >0: send `end_signal` this long after the tool started
+    int end_signal = 15;         // SIGTERM, as a server's timeout sends it
+    bool short_limits = false;   // the gateway built with shortened tool limits (1 s, 1 MiB)
+    std::string tool_dir;        // default: the stand-in's directory
+    std::string path_first;      // a directory put on PATH before the tool's
+    std::vector<std::string> extra_env;
+    bool merge_stderr = false;  // standard error into the same file as the page, as some servers do
 };
 
 struct gateway_result {
@@ -26,7 +32,12 @@ struct gateway_result {
     std::string err;
     int status = -1;  // exit status, or 128 + signal
     std::optional<std::string> tool_input;  // nullopt: the tool never ran
+    std::string tool_env;                   // the tool's environment, one entry a line
+    int tool_pid = 0;
 };
+
+// True while the process `pid` exists.
+bool process_alive(int pid);
 
 gateway_result run_gateway(const gateway_request& request);
 

@@ -1,16 +1,21 @@
 // Stand-in shelfctl for the end-to-end tests. It records what it receives
 // and prints scripted output, steered by the environment:
 //   STUB_RECORD  file that receives everything read from standard input
-//                (created even when nothing is read, to show the tool ran)
+//                (created even when nothing is read, to show the tool ran);
+//                beside it <file>.pid gets the tool's pid and <file>.env
+//                its environment, one entry a line
 //   STUB_OUTPUT  the output to print; default: a banner, a prompt, the line
 //                "ran <first input line>" and the next prompt
 //   STUB_MODE    read (default): read all input, then print
 //                noread: print without reading, then exit
 //                flood: read, print, then print lines until the pipe closes
-//                sleep: record "pid <n>", print nothing and never end
+//                hang: read, print, then never end
+//                warn: print a warning on standard error, then as read
 #include <fcntl.h>
+#include <signal.h>
 #include <unistd.h>
 
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <string>
@@ -33,6 +38,16 @@ std::string read_all(int fd) {
     return text;
 }
 
+// Written whole under a temporary name, then renamed, so that a reader
+// that sees the file sees all of it.
+void spill(const std::string& path, const std::string& text) {
+    std::string partial = path + ".part";
+    int fd = open(partial.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+    write_all(fd, text);
+    close(fd);
+    rename(partial.c_str(), path.c_str());
+}
+
 }  // namespace
 
 int main() {
@@ -40,11 +55,13 @@ int main() {
     const char* output = std::getenv("STUB_OUTPUT");
     std::string mode = std::getenv("STUB_MODE") ? std::getenv("STUB_MODE") : "read";
     int record = record_path ? open(record_path, O_WRONLY | O_CREAT | O_TRUNC, 0600) : -1;
-
-    if (mode == "sleep") {
-        write_all(record, "pid " + std::to_string(getpid()));
-        for (;;) pause();
+    if (record_path) {
+        std::string environment;
+        for (char** entry = environ; *entry != nullptr; ++entry) environment += std::string(*entry) + "\n";
+        spill(std::string(record_path) + ".env", environment);
+        spill(std::string(record_path) + ".pid", std::to_string(getpid()));
     }
+    if (mode == "warn") write_all(STDERR_FILENO, "shelfctl: warning\n");
     std::string input;
     if (mode != "noread") {
         input = read_all(STDIN_FILENO);
@@ -55,6 +72,9 @@ int main() {
     write_all(STDOUT_FILENO, answer);
     if (mode == "flood") {
         for (;;) write_all(STDOUT_FILENO, "more output after the prompt\n");
+    }
+    if (mode == "hang") {
+        for (;;) pause();
     }
     return 0;
 }

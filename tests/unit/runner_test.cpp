@@ -26,7 +26,7 @@ std::vector<std::string> pieces_of(const std::string& output) {
     EXPECT_EQ(pipe(fds), 0);
     EXPECT_EQ(write(fds[1], output.data(), output.size()), static_cast<ssize_t>(output.size()));
     close(fds[1]);
-    piece_reader reader(fds[0]);
+    piece_reader reader(fds[0], tool_limits_in_force);
     std::vector<std::string> pieces;
     for (std::string_view piece; reader.next(piece);) pieces.emplace_back(piece);
     close(fds[0]);
@@ -95,4 +95,21 @@ TEST(CommandRefusal, LineBreaksFirstThenLength) {
         EXPECT_EQ(command_refusal(command), c.refusal);
         EXPECT_LE(command.view().size(), 1023u);
     }
+}
+
+TEST(ToolEnvironment, DropsWhatTheClientChoseAndKeepsTheServersSettings) {
+    std::vector<std::string> entries = {
+        "PATH=/opt/shelf/bin:/usr/bin", "HTTP_USER_AGENT=$(id)", "SHELFSIM_STATE=/tmp/s", "QUERY_STRING=a=1",
+        "CONTENT_TYPE=x", "CONTENT_LENGTH=3", "PATH_INFO=/x", "PATH_TRANSLATED=/w/x", "REQUEST_URI=/cgi-bin/x",
+        "REQUEST_METHOD=POST", "HTTP_=", "HTTPS=on", "HTTP_COOKIE", "SERVER_NAME=shelf", "REQUEST_METHODS=kept",
+        "QUERY_STRING", "REMOTE_USER=operator", "X=HTTP_Y"};
+    std::vector<char*> env;
+    for (std::string& entry : entries) env.push_back(entry.data());
+    env.push_back(nullptr);
+    EXPECT_EQ(keep_tool_environment(env.data()), 7u);
+    std::vector<std::string> kept(env.begin(), env.begin() + 7);
+    EXPECT_EQ(kept, (std::vector<std::string>{"PATH=/opt/shelf/bin:/usr/bin", "SHELFSIM_STATE=/tmp/s", "HTTPS=on",
+                                              "SERVER_NAME=shelf", "REQUEST_METHODS=kept", "REMOTE_USER=operator",
+                                              "X=HTTP_Y"}));
+    EXPECT_EQ(env[7], nullptr);
 }

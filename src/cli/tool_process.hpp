@@ -1,0 +1,33 @@
+// The tool's process: looked up on the search path, started with a pipe to
+// its input and one from its output, ended and reaped.
+#pragma once
+
+#include <sys/types.h>
+
+#include "page/fixed_text.hpp"
+
+using tool_path = fixed_text<4096>;
+
+// The executable file `name` in the first directory of PATH that holds
+// one; false when none does. Looked up here so that a missing tool is told
+// apart from a failed start the same way natively and under emulation.
+bool find_tool(const char* name, tool_path& path);
+
+struct tool_process {
+    pid_t pid = 0;
+    int input = -1;   // the tool's standard input
+    int output = -1;  // the tool's standard output
+};
+
+// From here on, a signal that ends the gateway (SIGTERM from a web server's
+// timeout, SIGHUP, SIGINT, SIGQUIT, SIGALRM, SIGUSR1, SIGUSR2) first ends
+// and reaps the running tool; SIGPIPE is ignored, so a tool that never reads
+// its input cannot end the gateway.
+void end_tool_with_gateway();
+
+// Starts the tool at `path` with the gateway's environment; returns 0, or
+// the error number of the failed pipe, process or exec.
+int start_tool(const char* path, tool_process& tool);
+
+// Waits for the tool to end; with `kill_first` ends it first.
+void reap_tool(tool_process& tool, bool kill_first);
