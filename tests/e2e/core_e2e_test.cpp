@@ -234,12 +234,12 @@ TEST(CoreE2E, TheToolGetsTheServersEnvironmentWithoutTheClients) {
                          "SERVER_SOFTWARE=web", "HTTPS=on"};
     gateway_result r = run_gateway(request);
     EXPECT_EQ(r.out, version_page_with(stub_answer("version")));
+    std::string lines = "\n" + r.tool_env;
     for (std::string dropped : {"HTTP_", "QUERY_STRING=", "CONTENT_TYPE=", "CONTENT_LENGTH=", "PATH_INFO=",
                                 "PATH_TRANSLATED=", "REQUEST_URI=", "REQUEST_METHOD="})
-        EXPECT_EQ(r.tool_env.find("\n" + dropped), std::string::npos) << dropped;
-    for (std::string kept : {"SHELFSIM_STATE=/s\n", "SERVER_SOFTWARE=web\n", "HTTPS=on\n", "STUB_MODE=read\n"})
-        EXPECT_NE(r.tool_env.find(kept), std::string::npos) << kept;
-    EXPECT_EQ(r.tool_env.rfind("PATH=", 0), 0u);
+        EXPECT_EQ(lines.find("\n" + dropped), std::string::npos) << dropped;
+    for (std::string kept : {"PATH=", "SHELFSIM_STATE=/s\n", "SERVER_SOFTWARE=web\n", "HTTPS=on\n", "STUB_MODE=read\n"})
+        EXPECT_NE(lines.find("\n" + kept), std::string::npos) << kept;
 }
 
 TEST(CoreE2E, ThePageSoFarPrecedesAnythingOnStandardError) {
