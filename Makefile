@@ -86,8 +86,8 @@ memcheck: bootstrap build
 
 # Wall time, memory and size of one request against the floor and the
 # classic designs; then requests per second through lighttpd.
-bench: bootstrap build
-	@bench/run $(BUILD)
+bench: bootstrap build arm
+	@ARM_BUILD=$(ARM_BUILD) bench/run $(BUILD)
 
 # Bounded load through lighttpd and the simulator (loopback only).
 loadtest: bootstrap build

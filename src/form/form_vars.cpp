@@ -6,11 +6,13 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <string_view>
 
 int request_method_kind(const char* request_method) {
     if (request_method == nullptr) return -1;
-    if (std::strcmp(request_method, "POST") == 0) return 1;
-    if (std::strcmp(request_method, "GET") == 0 || std::strcmp(request_method, "HEAD") == 0) return 0;
+    std::string_view method = request_method;
+    if (method == "POST") return 1;
+    if (method == "GET" || method == "HEAD") return 0;
     return -1;
 }
 
@@ -63,6 +65,16 @@ std::uint64_t form_list_bytes(std::uint64_t segments, std::uint64_t entry_size, 
     return (2 * segments + 1) * entry_size;
 }
 
+namespace {
+
+// The first `c` in the text, or its terminating zero.
+char* find_or_end(char* text, char c) {
+    while (*text != '\0' && *text != c) ++text;
+    return text;
+}
+
+}  // namespace
+
 bool decode_form_body(char* body, form_vars& vars) {
     std::size_t segments = 1;
     for (char* p = body; *p != '\0'; ++p) {
@@ -77,21 +89,19 @@ bool decode_form_body(char* body, form_vars& vars) {
     std::size_t count = 0;
     char* segment = body;
     while (segment != nullptr) {
-        char* amp = std::strchr(segment, '&');
-        if (amp != nullptr) *amp = '\0';
+        char* amp = find_or_end(segment, '&');
+        bool last = *amp == '\0';
+        *amp = '\0';
         if (*segment != '\0') {
-            char* value = std::strchr(segment, '=');
-            if (value != nullptr) {
-                *value++ = '\0';
-            } else {
-                value = segment + std::strlen(segment);  // the empty text
-            }
+            char* value = find_or_end(segment, '=');
+            // Without "=", the value is the empty text at the segment's end.
+            if (*value == '=') *value++ = '\0';
             decode_percent_escapes(segment);
             decode_percent_escapes(value);
             items[count++] = segment;
             items[count++] = value;
         }
-        segment = amp != nullptr ? amp + 1 : nullptr;
+        segment = last ? nullptr : amp + 1;
     }
     items[count] = nullptr;
     vars.body = body;
