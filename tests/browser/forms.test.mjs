@@ -1,11 +1,12 @@
 // The form pages and the gateway together, in headless Chromium, through
-// lighttpd with the simulated shelf as shelfctl.
+// the shipped lighttpd configuration with the simulated shelf as shelfctl,
+// logged in as the operator.
 import { test, before, after } from 'node:test';
 import assert from 'node:assert/strict';
 import { readFileSync, mkdirSync } from 'node:fs';
 import { join } from 'node:path';
-import { chromium } from 'playwright-core';
 import { startServer, repo } from './serve.mjs';
+import { launchChromium } from './chromium.mjs';
 
 const verbs = readFileSync(join(repo, 'deploy/verbs.txt'), 'utf8').split('\n').filter(Boolean);
 const shots = join(process.env.VERBGW_BUILD ?? join(repo, 'build'), 'screenshots');
@@ -13,12 +14,9 @@ let server, browser, page;
 
 before(async () => {
   server = await startServer();
-  browser = await chromium.launch({
-    executablePath: '/usr/bin/chromium',
-    args: ['--headless', '--no-sandbox', '--disable-gpu', '--disable-quic', '--no-first-run',
-      '--disable-background-networking', '--disable-component-update', '--disable-sync'],
-  });
-  page = await browser.newPage();
+  browser = await launchChromium();
+  const context = await browser.newContext({ ignoreHTTPSErrors: true, httpCredentials: server.accounts.operator });
+  page = await context.newPage();
 });
 
 after(async () => {

@@ -1,18 +1,21 @@
-// Stages a web root from a build, serves it with lighttpd on a free loopback
-// port with the simulated shelf as shelfctl, and stops it again.
+// Installs a build into a scratch directory, serves it with the shipped
+// lighttpd configuration (HTTPS on a free loopback port, the redirect on
+// another, two accounts, the simulated shelf as shelfctl), and stops it.
 import { spawn, execFileSync } from 'node:child_process';
-import { mkdtempSync, rmSync } from 'node:fs';
+import { chmodSync, copyFileSync, mkdirSync, mkdtempSync, rmSync } from 'node:fs';
 import { createServer, connect } from 'node:net';
 import { tmpdir } from 'node:os';
-import { join, resolve } from 'node:path';
+import { randomBytes } from 'node:crypto';
+import { dirname, join, resolve } from 'node:path';
+import { fileURLToPath } from 'node:url';
 
-export const repo = resolve(import.meta.dirname, '../..');
+export const repo = resolve(dirname(fileURLToPath(import.meta.url)), '../..');
 
-function freePort() {
+export function freePort(host = '127.0.0.1') {
   return new Promise((ok, fail) => {
     const server = createServer();
     server.on('error', fail);
-    server.listen(0, '127.0.0.1', () => {
+    server.listen(0, host, () => {
       const { port } = server.address();
       server.close(() => ok(port));
     });
@@ -27,19 +30,46 @@ function accepting(port) {
   });
 }
 
-export async function startServer({ build = process.env.VERBGW_BUILD ?? join(repo, 'build'), timeout = 30 } = {}) {
+export async function startServer({ build = process.env.VERBGW_BUILD ?? join(repo, 'build'), timeout = 45 } = {}) {
+  // Every directory on the way must be reachable by the account the server
+  // drops to when the tests run as root.
   const dir = mkdtempSync(join(tmpdir(), 'verbgw-web-'));
-  const root = join(dir, 'root');
-  execFileSync('cmake', ['--install', build, '--prefix', root], { stdio: 'ignore' });
+  chmodSync(dir, 0o755);
+  const install = join(dir, 'install');
+  execFileSync('cmake', ['--install', build, '--prefix', install], { stdio: 'ignore' });
+  const toolDir = join(dir, 'tool');
+  mkdirSync(toolDir);
+  copyFileSync(join(build, 'tools/shelfsim/shelfctl'), join(toolDir, 'shelfctl'));
+  chmodSync(join(toolDir, 'shelfctl'), 0o755);
+  const etc = join(dir, 'etc');
+  const accounts = {};
+  for (const role of ['viewer', 'operator']) {
+    const password = randomBytes(12).toString('base64url');
+    execFileSync(join(install, 'deploy/passwd'), [role, role], { input: `${password}\n`, env: { ...process.env, VERBGW_ETC: etc } });
+    accounts[role] = { username: role, password };
+  }
   const port = await freePort();
-  const env = { ...process.env, PORT: String(port), CGI_TIMEOUT: String(timeout),
-    SHELFSIM_STATE: join(dir, 'shelf.state') };
-  const server = spawn(join(repo, 'deploy/serve'), [root, join(dir, 'run'), join(build, 'tools/shelfsim')],
+  const httpPort = await freePort();
+  const state = join(dir, 'shelf.state');
+  const env = { ...process.env, PORT: String(port), HTTP_PORT: String(httpPort), CGI_TIMEOUT: String(timeout),
+    SHELFSIM_STATE: state, VERBGW_ETC: etc };
+  const run = join(dir, 'run');
+  const server = spawn(join(install, 'deploy/serve'), [join(install, 'www'), run, toolDir],
     { env, stdio: ['ignore', 'ignore', 'inherit'] });
   for (let i = 0; i < 100 && !(await accepting(port)); i++) await new Promise((r) => setTimeout(r, 50));
   return {
-    base: `http://127.0.0.1:${port}`,
+    base: `https://127.0.0.1:${port}`,
+    httpBase: `http://127.0.0.1:${httpPort}`,
+    port,
     dir,
+    root: join(install, 'www'),
+    tool: join(toolDir, 'shelfctl'),
+    state,
+    accessLog: join(run, 'access.log'),
+    pidFile: join(run, 'lighttpd.pid'),
+    accounts,
+    // The Authorization header of an account.
+    basic: (role) => `Basic ${Buffer.from(`${role}:${accounts[role].password}`).toString('base64')}`,
     async stop() {
       server.kill('SIGTERM');
       await new Promise((r) => server.once('exit', r));
