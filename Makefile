@@ -7,7 +7,8 @@ FUZZ_BUILD := build-fuzz
 FUZZ_SECONDS ?= 60
 FUZZ_HARNESSES := fuzz_form_decode fuzz_verb_plans
 
-PORT ?= 8080
+PORT ?= 8443
+HTTP_PORT ?= 8080
 DEMO := $(BUILD)/demo
 
 .PHONY: all build arm fuzz-build fuzz test demo memcheck loadtest bench clean bootstrap
@@ -21,14 +22,14 @@ build:
 	@cmake -S . -B $(BUILD) -DCMAKE_BUILD_TYPE=Release >/dev/null
 	@cmake --build $(BUILD) -j $(JOBS)
 
-# The gateway for real: lighttpd on 127.0.0.1:$(PORT) serving the form pages
-# and the gateway, with the simulated shelf as shelfctl.
+# The gateway for real, exactly as a device serves it: lighttpd with the
+# shipped configuration, HTTPS on 127.0.0.1:$(PORT) and the redirect on
+# $(HTTP_PORT), the simulated shelf as shelfctl, and two accounts made at the
+# first start (their passwords in $(DEMO)/passwords).
 demo: bootstrap build
-	@rm -rf $(DEMO)/root
-	@cmake --install $(BUILD) --prefix $(DEMO)/root >/dev/null
-	@echo "verbgw demo: open http://127.0.0.1:$(PORT)/verbs/index.html  (Ctrl-C stops it)"
-	@PORT=$(PORT) SHELFSIM_STATE=$(CURDIR)/$(DEMO)/shelf.state \
-		deploy/serve $(DEMO)/root $(DEMO)/run $(BUILD)/tools/shelfsim
+	@rm -rf $(DEMO)/install
+	@cmake --install $(BUILD) --prefix $(DEMO)/install >/dev/null
+	@DEMO=$(DEMO) PORT=$(PORT) HTTP_PORT=$(HTTP_PORT) scripts/demo $(BUILD)/tools/shelfsim
 
 # The gateway for the shelf manager: 32-bit ARM, glibc (build-arm/verbgw).
 # Its tests run under user-mode emulation with the host's stand-in tool.

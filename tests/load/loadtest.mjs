@@ -1,9 +1,11 @@
-// Bounded load through lighttpd with the simulated shelf: REQUESTS requests
+// Bounded load through the shipped lighttpd configuration (HTTPS, logged in
+// as the operator) with the simulated shelf: REQUESTS requests
 // (default 20000) over CONNECTIONS concurrent keep-alive connections (32)
 // across all verbs, loopback only. Every response is checked; then no
 // gateway or tool process may be left and the log must start with a valid
 // invocation path. Prints the figures; exits non-zero on any failure.
-import http from 'node:http';
+import https from 'node:https';
+import { unlinkSync } from 'node:fs';
 import { readdirSync, readlinkSync, readFileSync, realpathSync } from 'node:fs';
 import { join } from 'node:path';
 import { startServer, repo } from '../browser/serve.mjs';
@@ -72,11 +74,12 @@ function problemWith(status, page, message) {
   return null;
 }
 
-function request(agent, base, [verb, body, message]) {
+function request(agent, server, [verb, body, message]) {
   return new Promise((resolve) => {
-    const req = http.request(`${base}/cgi-bin/${verb}`, {
+    const req = https.request(`${server.base}/cgi-bin/${verb}`, {
       method: 'POST', agent,
-      headers: { 'Content-Type': 'application/x-www-form-urlencoded', 'Content-Length': Buffer.byteLength(body) },
+      headers: { 'Content-Type': 'application/x-www-form-urlencoded', 'Content-Length': Buffer.byteLength(body),
+        Authorization: server.basic('operator') },
     }, (res) => {
       const chunks = [];
       res.on('data', (c) => chunks.push(c));
@@ -99,15 +102,18 @@ function leftovers(executables) {
   return found;
 }
 
+// The gateway runs as the server's unprivileged account: it must be able
+// to create the log afresh.
+try { unlinkSync('/var/tmp/verbgw.log'); } catch { /* none yet */ }
 const server = await startServer({ build });
-const agent = new http.Agent({ keepAlive: true, maxSockets: connections });
+const agent = new https.Agent({ keepAlive: true, maxSockets: connections, rejectUnauthorized: false });
 const failures = new Map();
 let sent = 0, done = 0, failed = 0;
 const started = process.hrtime.bigint();
 async function worker() {
   while (sent < total && Date.now() < deadline) {
     const item = mix[sent++ % mix.length];
-    const problem = await request(agent, server.base, item);
+    const problem = await request(agent, server, item);
     done++;
     if (problem) {
       failed++;
@@ -120,14 +126,14 @@ await Promise.all(Array.from({ length: connections }, worker));
 const seconds = Number(process.hrtime.bigint() - started) / 1e9;
 agent.destroy();
 
-const executables = [realpathSync(join(server.dir, 'root/cgi-bin/verbgw')), realpathSync(join(build, 'tools/shelfsim/shelfctl'))];
+const executables = [realpathSync(join(server.root, 'cgi-bin/verbgw')), realpathSync(server.tool)];
 let left = leftovers(executables);
 for (let i = 0; i < 40 && left.length > 0; i++) {
   await new Promise((r) => setTimeout(r, 50));
   left = leftovers(executables);
 }
 const log = readFileSync('/var/tmp/verbgw.log', 'latin1');
-const prefix = join(server.dir, 'root/cgi-bin/');
+const prefix = join(server.root, 'cgi-bin/');
 const verbs = readFileSync(join(repo, 'deploy/verbs.txt'), 'utf8').split('\n').filter(Boolean);
 const logValid = log.startsWith(prefix) && verbs.some((v) => log.slice(prefix.length).startsWith(v));
 await server.stop();
