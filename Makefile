@@ -26,10 +26,17 @@ build:
 # shipped configuration, HTTPS on 127.0.0.1:$(PORT) and the redirect on
 # $(HTTP_PORT), the simulated shelf as shelfctl, and two accounts made at the
 # first start (their passwords in $(DEMO)/passwords).
-demo: bootstrap build
+# It installs and builds only what it needs (the server, the gateway, the
+# simulated shelf); a demo still running from this checkout is left alone.
+demo:
+	@DEMO=$(DEMO) scripts/demo check
+	@scripts/bootstrap demo
+	@cmake -S . -B $(BUILD) -DCMAKE_BUILD_TYPE=Release >/dev/null
+	@cmake --build $(BUILD) -j $(JOBS) --target verbgw shelfctl
 	@rm -rf $(DEMO)/install
 	@cmake --install $(BUILD) --prefix $(DEMO)/install >/dev/null
-	@DEMO=$(DEMO) PORT=$(PORT) HTTP_PORT=$(HTTP_PORT) scripts/demo $(BUILD)/tools/shelfsim
+	@DEMO=$(DEMO) PORT=$(PORT) HTTP_PORT=$(HTTP_PORT) \
+		setpriv --pdeathsig TERM scripts/demo $(BUILD)/tools/shelfsim
 
 # The gateway for the shelf manager: 32-bit ARM, glibc (build-arm/verbgw).
 # Its tests run under user-mode emulation with the host's stand-in tool.
@@ -62,21 +69,13 @@ fuzz: bootstrap fuzz-build
 		grep -E '^#[0-9]+' $(FUZZ_BUILD)/$$h.log | tail -n 1; \
 	done
 
-# The whole suite three times: as built, then under AddressSanitizer and
-# UndefinedBehaviorSanitizer (any report fails the run), and built for the
-# target under emulation; in between, each fuzz harness briefly from its
-# committed seeds.
+# Every suite, each to its end even when an earlier one failed: the whole
+# suite under AddressSanitizer and UndefinedBehaviorSanitizer (any report
+# fails it), each fuzz harness briefly from its committed seeds, the whole
+# suite as built, and the gateway built for the target under emulation. A
+# summary per suite, then one closing line of all their figures.
 test: bootstrap
-	@cmake -S . -B $(ASAN_BUILD) -DCMAKE_BUILD_TYPE=Debug -DVERBGW_SANITIZE=ON >/dev/null
-	@cmake --build $(ASAN_BUILD) -j $(JOBS)
-	@cd $(ASAN_BUILD) && ASAN_OPTIONS=detect_leaks=1:abort_on_error=1 UBSAN_OPTIONS=halt_on_error=1:print_stacktrace=1 \
-		ctest -j $(JOBS) --output-on-failure
-	@$(MAKE) --no-print-directory fuzz-build
-	@cd $(FUZZ_BUILD) && ctest -j $(JOBS) --output-on-failure
-	@$(MAKE) --no-print-directory build
-	@cd $(BUILD) && ctest -j $(JOBS) --output-on-failure
-	@$(MAKE) --no-print-directory arm
-	@cd $(ARM_BUILD) && ctest -j $(JOBS) --output-on-failure
+	@JOBS=$(JOBS) scripts/test $(ASAN_BUILD) $(FUZZ_BUILD) $(BUILD) $(ARM_BUILD)
 
 # The end-to-end suite with every gateway run under valgrind memcheck: no
 # errors, nothing definitely or indirectly lost.
