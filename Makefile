@@ -11,7 +11,7 @@ PORT ?= 8443
 HTTP_PORT ?= 8080
 DEMO := $(BUILD)/demo
 
-.PHONY: all build arm fuzz-build fuzz test demo memcheck loadtest bench clean bootstrap
+.PHONY: all build arm fuzz-build fuzz test demo memcheck loadtest bench clean bootstrap fresh-check
 
 all: build
 
@@ -93,5 +93,10 @@ bench: bootstrap build arm
 loadtest: bootstrap build
 	@node tests/load/loadtest.mjs
 
+# The two commands on a fresh Debian root (needs root, several GiB and
+# many minutes; by hand only).
+fresh-check:
+	@scripts/fresh-check
+
 clean:
-	rm -rf $(BUILD) $(ASAN_BUILD) $(ARM_BUILD) $(FUZZ_BUILD)
+	rm -rf $(BUILD) $(ASAN_BUILD) $(ARM_BUILD) $(FUZZ_BUILD) build-fresh
