@@ -1,16 +1,20 @@
-// The shipped server configuration as an attacker meets it: a page on a
-// second loopback origin driving the operator's logged-in Chromium, script
-// posted into the pages the gateway copies values into, and plain requests
-// without, with wrong and with too few credentials.
-import { test, before, after } from 'node:test';
+// The shipped server configurations (lighttpd, Apache, nginx) as an
+// attacker meets them: a page on a second loopback origin driving the
+// operator's logged-in Chromium, script posted into the pages the gateway
+// copies values into, and plain requests without, with wrong and with too
+// few credentials. Each server also answers all 33 verbs byte for byte as
+// the gateway run directly does.
+import { describe, test, before, after } from 'node:test';
 import assert from 'node:assert/strict';
 import http from 'node:http';
 import tls from 'node:tls';
-import { readFileSync } from 'node:fs';
-import { join } from 'node:path';
+import { copyFileSync, readFileSync } from 'node:fs';
+import { spawnSync } from 'node:child_process';
+import { dirname, join } from 'node:path';
 import { request as playwrightRequest } from 'playwright-core';
 import { startServer, freePort, repo } from './serve.mjs';
 import { launchChromium } from './chromium.mjs';
+import { verbRequests } from './requests.mjs';
 
 const verbs = readFileSync(join(repo, 'deploy/verbs.txt'), 'utf8').split('\n').filter(Boolean);
 const readingVerbs = ['version', 'session', 'fru', 'frudata', 'fruinfo', 'getfruledstate', 'board', 'ipmc',
@@ -19,6 +23,9 @@ const readingVerbs = ['version', 'session', 'fru', 'frudata', 'fruinfo', 'getfru
 const policy = "default-src 'none'; style-src 'self'; img-src 'self'; form-action 'self'; frame-ancestors 'self'; "
   + "base-uri 'none'";
 
+const form = { 'Content-Type': 'application/x-www-form-urlencoded' };
+
+for (const serverName of ['lighttpd', 'apache', 'nginx']) describe(serverName, () => {
 let server, browser, attacker, attackerBase;
 const leaks = [];  // requests that reached the attacker's server from a shelf page
 
@@ -41,7 +48,7 @@ function attackerPages(shelf) {
 }
 
 before(async () => {
-  server = await startServer();
+  server = await startServer({ server: serverName });
   const port = await freePort('127.0.0.2');
   attacker = attackerPages(server.base);
   await new Promise((ok) => attacker.listen(port, '127.0.0.2', ok));
@@ -51,6 +58,7 @@ before(async () => {
 
 after(async () => {
   await browser?.close();
+  attacker?.closeAllConnections();
   attacker?.close();
   await server?.stop();
 });
@@ -91,7 +99,8 @@ test('another site cannot make the operator\'s browser change the shelf', async 
     await page.waitForLoadState('networkidle');
   }
   // Every attempt is refused as cross-site before the gateway starts.
-  const refused = / operator "[A-Z]+ \S+ HTTP\/[\d.]+" 403 /;
+  // (Apache logs no user for a request its authorization refused.)
+  const refused = / (operator|-) "[A-Z]+ \S+ HTTP\/[\d.]+" 403 /;
   for (const verb of ['setfanlevel', 'switchover', 'sel']) {
     const lines = await logged(`/cgi-bin/${verb}`);
     assert.ok(lines.length > 0 && lines.every((l) => refused.test(l)), `${verb}:\n${lines.join('\n')}`);
@@ -155,7 +164,7 @@ test('every path needs a user, and only an operator changes the shelf', async ()
 
   const viewer = await api('viewer');
   const operator = await api('operator');
-  const set = { data: 'addr1_0=0x72&id2_0=0&value=9', headers: { 'Content-Type': 'application/x-www-form-urlencoded' } };
+  const set = { data: 'addr1_0=0x72&id2_0=0&value=9', headers: form };
   assert.equal((await viewer.post(`${server.base}/cgi-bin/setfanlevel`, set)).status(), 403);
   assert.doesNotMatch(readFileSync(server.state, 'utf8'), /^fan\.72\.0 9$/m);
   const done = await operator.post(`${server.base}/cgi-bin/setfanlevel`, set);
@@ -186,7 +195,7 @@ test('the gateway is reached only same-origin, by GET, HEAD or POST, with a smal
   assert.equal(await post({ 'Sec-Fetch-Site': 'same-site' }), 403);
   assert.equal(await post({}, 'x'.repeat(100 * 1024)), 413);
   for (const method of ['PUT', 'DELETE', 'OPTIONS']) {
-    assert.equal((await operator.fetch(url, { method, data: 'x=1' })).status(), 405, method);
+    assert.ok([403, 405].includes((await operator.fetch(url, { method, data: 'x=1' })).status()), method);
   }
   assert.equal((await operator.head(url)).status(), 200);
   await operator.dispose();
@@ -207,7 +216,7 @@ test('every response carries the protective headers; plain HTTP only redirects',
     assert.equal(h['x-frame-options'], 'SAMEORIGIN', what);
     assert.equal(h['referrer-policy'], 'same-origin', what);
     assert.match(h['strict-transport-security'] ?? '', /max-age=\d{7,}/, what);
-    assert.equal(h.server, undefined, what);
+    assert.doesNotMatch(h.server ?? '', /\d/, what);  // no version
   }
   assert.equal(responses.gateway.headers()['cache-control'], 'no-store');
   const plain = await anonymous.get(`${server.httpBase}/verbs/sensor.html?x=1`);
@@ -217,10 +226,29 @@ test('every response carries the protective headers; plain HTTP only redirects',
   await anonymous.dispose();
 });
 
-test('the server runs unprivileged', { skip: process.getuid() !== 0 && 'only a root start drops privileges' }, () => {
-  const pid = readFileSync(server.pidFile, 'utf8').trim();
-  const uid = readFileSync(`/proc/${pid}/status`, 'utf8').match(/^Uid:\s+(\d+)/m)[1];
-  assert.notEqual(uid, '0');
+test('the gateway and the tool run unprivileged', { skip: process.getuid() !== 0 && 'only a root start drops privileges' },
+  async () => {
+    const operator = await api('operator');
+    const page = await operator.post(`${server.base}/cgi-bin/activate`,
+      { data: 'command=whoami&addr1_0=0x82&id2_0=0', headers: form });
+    assert.match(await page.text(), /shelfctl runs as user [1-9]\d*\n/);
+    await operator.dispose();
+  });
+
+test('all 33 verbs answer as the gateway run directly does', async () => {
+  const operator = await api('operator');
+  const direct = `${server.dir}/direct.state`;
+  for (const [verb, body] of verbRequests) {
+    // Both runs start from the same shelf state.
+    copyFileSync(server.state, direct);
+    const run = spawnSync(`${server.root}/cgi-bin/${verb}`, {
+      input: body, env: { REQUEST_METHOD: 'POST', CONTENT_LENGTH: String(body.length),
+        PATH: `${dirname(server.tool)}:/usr/bin:/bin`, SHELFSIM_STATE: direct } });
+    const page = await operator.post(`${server.base}/cgi-bin/${verb}`, { data: body, headers: form });
+    assert.equal(page.status(), 200, verb);
+    assert.equal(`Content-type: text/html\n\n${await page.text()}`, run.stdout.toString('latin1'), verb);
+  }
+  await operator.dispose();
 });
 
 test('250 connections that never send their body do not keep out another client', async () => {
@@ -242,4 +270,5 @@ test('250 connections that never send their body do not keep out another client'
   } finally {
     for (const socket of hung) socket.destroy();
   }
+});
 });

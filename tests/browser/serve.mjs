@@ -30,7 +30,8 @@ function accepting(port) {
   });
 }
 
-export async function startServer({ build = process.env.VERBGW_BUILD ?? join(repo, 'build'), timeout = 45 } = {}) {
+export async function startServer({ build = process.env.VERBGW_BUILD ?? join(repo, 'build'), timeout = 45,
+  server: name = 'lighttpd' } = {}) {
   // Every directory on the way must be reachable by the account the server
   // drops to when the tests run as root.
   const dir = mkdtempSync(join(tmpdir(), 'verbgw-web-'));
@@ -52,7 +53,7 @@ export async function startServer({ build = process.env.VERBGW_BUILD ?? join(rep
   const httpPort = await freePort();
   const state = join(dir, 'shelf.state');
   const env = { ...process.env, PORT: String(port), HTTP_PORT: String(httpPort), CGI_TIMEOUT: String(timeout),
-    SHELFSIM_STATE: state, VERBGW_ETC: etc };
+    SHELFSIM_STATE: state, VERBGW_ETC: etc, SERVER: name };
   const run = join(dir, 'run');
   const server = spawn(join(install, 'deploy/serve'), [join(install, 'www'), run, toolDir],
     { env, stdio: ['ignore', 'ignore', 'inherit'] });
@@ -66,7 +67,6 @@ export async function startServer({ build = process.env.VERBGW_BUILD ?? join(rep
     tool: join(toolDir, 'shelfctl'),
     state,
     accessLog: join(run, 'access.log'),
-    pidFile: join(run, 'lighttpd.pid'),
     accounts,
     // The Authorization header of an account.
     basic: (role) => `Basic ${Buffer.from(`${role}:${accounts[role].password}`).toString('base64')}`,

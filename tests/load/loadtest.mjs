@@ -9,52 +9,12 @@ import { unlinkSync } from 'node:fs';
 import { readdirSync, readlinkSync, readFileSync, realpathSync } from 'node:fs';
 import { join } from 'node:path';
 import { startServer, repo } from '../browser/serve.mjs';
+import { verbRequests as mix } from '../browser/requests.mjs';
 
 const total = Number(process.env.REQUESTS ?? 20000);
 const connections = Number(process.env.CONNECTIONS ?? 32);
 const deadline = Date.now() + Number(process.env.LOAD_SECONDS ?? 600) * 1000;
 const build = process.env.VERBGW_BUILD ?? join(repo, 'build');
-
-// What each verb is asked, and what its page must hold: the tool's answer
-// (a non-empty output block) or the verb's own message.
-const mix = [
-  ['activate', 'command=activate&addr1_0=0x82&id2_0=0'],
-  ['alarm', 'x=1'],
-  ['board', 'slot=1'],
-  ['fans', 'addr1_0=0x72&id2_0=0'],
-  ['fru', 'addr1_0=0x82&id2_0=0'],
-  ['gethysteresis', 'addr1_0=0x82&id3_0=1'],
-  ['getlanconfig', 'channel=1&parameter=3'],
-  ['getpef', 'parameter=1'],
-  ['getthreshold', 'addr1_0=0x82&id3_0=1'],
-  ['ipmc', 'addr1_0=0x82'],
-  ['reset', 'slot=3'],
-  ['sel', 'req_type_sel=2&addr1_0=0x20'],
-  ['sel', 'req_type_sel=0&addr1_0=0x20'],
-  ['sensor', 'addr1_0=0x82&id3_0=1'],
-  ['sensordata', 'addr1_0=0x82&id3_0=1'],
-  ['sethysteresis', 'addr1_0=0x82&id3_0=1&tr=pos&value=2'],
-  ['setlanconfig', 'channel=1&parameter=3&value=192.0.2.10'],
-  ['setpef', 'parameter=1&value=1'],
-  ['setthreshold', 'addr1_0=0x82&id3_0=1&tr=unc&value=60'],
-  ['shelf', 'command=02power_distribution'],
-  ['showunhealthy', 'x=1'],
-  ['version', 'x=1'],
-  ['switchover', 'x=1'],
-  ['frudata', 'addr1_0=0x82&id2_0=0&offset=0'],
-  ['fruinfo', 'addr1_0=0x82&id2_0=0'],
-  ['getfanlevel', 'addr1_0=0x72&id2_0=0'],
-  ['setfanlevel', 'addr1_0=0x72&id2_0=0&value=5'],
-  ['getsensoreventenable', 'addr1_0=0x82&id3_0=1'],
-  ['setsensoreventenable', 'req_type=0&addr1_0=0x82&id3_0=1&id2_1=1'],
-  ['getipmbstate', 'addr1_0=0x82'],
-  ['getipmbstate', 'x=1', 'It is necessary to specify IPMB address<BR>'],
-  ['setipmbstate', 'addr1_0=0x82&addr1_1=A&addr1_2=enable'],
-  ['getfruledstate', 'addr1_0=0x82&id2_2=0'],
-  ['setfruledstate', 'addr1_0=0x82&id3_0=0&addr1_1=OFF'],
-  ['setfruledstate', 'addr1_0=0x82&addr1_1=OFF', 'It is necessary to set parameters!<BR>'],
-  ['session', 'x=1'],
-];
 
 function outputBlock(page) {
   const pre = page.match(/<\/P><HR><PRE>([\s\S]*)<\/PRE><HR>/);

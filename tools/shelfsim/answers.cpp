@@ -55,6 +55,7 @@ const Command commands[] = {
     {"deactivate", cmd_deactivate, "deactivate <addr | slot name> <fru id>"},
     {"setlocked", cmd_setlocked, "setlocked <addr | slot name> <fru id> <1 | 0>"},
     {"help", cmd_help, "help"},
+    {"whoami", cmd_whoami, "whoami  (the account the tool runs under)"},
 };
 
 void cmd_help(Ctx& c) {

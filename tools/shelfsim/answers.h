@@ -82,6 +82,7 @@ void cmd_setsensoreventenable(Ctx&);
 void cmd_sel(Ctx&);
 
 void cmd_version(Ctx&);
+void cmd_whoami(Ctx&);
 void cmd_session(Ctx&);
 void cmd_switchover(Ctx&);
 void cmd_alarm(Ctx&);

@@ -1,4 +1,6 @@
 // Shelf-wide commands: identity, alarms, health, IPMB, shelf, fans, LAN and PEF.
+#include <unistd.h>
+
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
@@ -394,6 +396,10 @@ void cmd_version(Ctx& c) {
     say(c.out, "Shelf manager command line interpreter version 3.2.0 (simulated shelf)");
     say(c.out, "Firmware: 3.2.0, build 2024-03-01; hardware: simulated shelf, 6 slots, 2 fan trays");
 }
+
+// Not a shelf command: tells a deployment test which account the web
+// server runs the gateway, and so the tool, under.
+void cmd_whoami(Ctx& c) { say(c.out, "shelfctl runs as user %u", static_cast<unsigned>(getuid())); }
 
 void cmd_session(Ctx& c) {
     say(c.out, "Active sessions: 1 of 16");
