@@ -9,6 +9,7 @@ FUZZ_HARNESSES := fuzz_form_decode fuzz_verb_plans
 
 PORT ?= 8443
 HTTP_PORT ?= 8080
+SERVER ?= lighttpd
 DEMO := $(BUILD)/demo
 
 .PHONY: all build arm fuzz-build fuzz test demo memcheck loadtest bench clean bootstrap fresh-check
@@ -22,20 +23,21 @@ build:
 	@cmake -S . -B $(BUILD) -DCMAKE_BUILD_TYPE=Release >/dev/null
 	@cmake --build $(BUILD) -j $(JOBS)
 
-# The gateway for real, exactly as a device serves it: lighttpd with the
-# shipped configuration, HTTPS on 127.0.0.1:$(PORT) and the redirect on
-# $(HTTP_PORT), the simulated shelf as shelfctl, and two accounts made at the
-# first start (their passwords in $(DEMO)/passwords).
+# The gateway for real, exactly as a device serves it: lighttpd (or
+# SERVER=apache, SERVER=nginx) with the shipped configuration, HTTPS on
+# 127.0.0.1:$(PORT) and the redirect on $(HTTP_PORT), the simulated shelf as
+# shelfctl, and two accounts made at the first start (their passwords in
+# $(DEMO)/passwords).
 # It installs and builds only what it needs (the server, the gateway, the
 # simulated shelf); a demo still running from this checkout is left alone.
 demo:
 	@DEMO=$(DEMO) scripts/demo check
-	@scripts/bootstrap demo
+	@SERVER=$(SERVER) scripts/bootstrap demo
 	@cmake -S . -B $(BUILD) -DCMAKE_BUILD_TYPE=Release >/dev/null
 	@cmake --build $(BUILD) -j $(JOBS) --target verbgw shelfctl
 	@rm -rf $(DEMO)/install
 	@cmake --install $(BUILD) --prefix $(DEMO)/install >/dev/null
-	@DEMO=$(DEMO) PORT=$(PORT) HTTP_PORT=$(HTTP_PORT) \
+	@DEMO=$(DEMO) PORT=$(PORT) HTTP_PORT=$(HTTP_PORT) SERVER=$(SERVER) \
 		setpriv --pdeathsig TERM scripts/demo $(BUILD)/tools/shelfsim
 
 # The gateway for the shelf manager: 32-bit ARM, glibc (build-arm/verbgw).
