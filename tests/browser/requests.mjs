@@ -1,6 +1,13 @@
 // A request for every verb, as the form pages would post it, and what its
 // page must hold: the tool's answer (a non-empty output block) or, where a
-// third item is given, the verb's own message.
+// third item is given, the verb's own message. And the check that a server
+// answers each of them byte for byte as the gateway run directly does.
+import assert from 'node:assert/strict';
+import { spawnSync } from 'node:child_process';
+import { copyFileSync } from 'node:fs';
+import { dirname } from 'node:path';
+
+export const form = { 'Content-Type': 'application/x-www-form-urlencoded' };
 export const verbRequests = [
   ['activate', 'command=activate&addr1_0=0x82&id2_0=0'],
   ['alarm', 'x=1'],
@@ -40,3 +47,18 @@ export const verbRequests = [
   ['session', 'x=1'],
 ];
 
+
+// Posts every request through `server` with the request context `client`
+// and runs the installed gateway directly on a copy of the same shelf state.
+export async function expectDirectAnswers(server, client) {
+  const direct = `${server.dir}/direct.state`;
+  for (const [verb, body] of verbRequests) {
+    copyFileSync(server.state, direct);
+    const run = spawnSync(`${server.root}/cgi-bin/${verb}`, {
+      input: body, env: { REQUEST_METHOD: 'POST', CONTENT_LENGTH: String(body.length),
+        PATH: `${dirname(server.tool)}:/usr/bin:/bin`, SHELFSIM_STATE: direct } });
+    const page = await client.post(`${server.base}/cgi-bin/${verb}`, { data: body, headers: form });
+    assert.equal(page.status(), 200, verb);
+    assert.equal(`Content-type: text/html\n\n${await page.text()}`, run.stdout.toString('latin1'), verb);
+  }
+}

@@ -8,13 +8,12 @@ import { describe, test, before, after } from 'node:test';
 import assert from 'node:assert/strict';
 import http from 'node:http';
 import tls from 'node:tls';
-import { copyFileSync, readFileSync } from 'node:fs';
-import { spawnSync } from 'node:child_process';
-import { dirname, join } from 'node:path';
+import { readFileSync } from 'node:fs';
+import { join } from 'node:path';
 import { request as playwrightRequest } from 'playwright-core';
 import { startServer, freePort, repo } from './serve.mjs';
 import { launchChromium } from './chromium.mjs';
-import { verbRequests } from './requests.mjs';
+import { expectDirectAnswers, form } from './requests.mjs';
 
 const verbs = readFileSync(join(repo, 'deploy/verbs.txt'), 'utf8').split('\n').filter(Boolean);
 const readingVerbs = ['version', 'session', 'fru', 'frudata', 'fruinfo', 'getfruledstate', 'board', 'ipmc',
@@ -22,8 +21,6 @@ const readingVerbs = ['version', 'session', 'fru', 'frudata', 'fruinfo', 'getfru
   'getlanconfig', 'getpef', 'showunhealthy', 'getipmbstate'];
 const policy = "default-src 'none'; style-src 'self'; img-src 'self'; form-action 'self'; frame-ancestors 'self'; "
   + "base-uri 'none'";
-
-const form = { 'Content-Type': 'application/x-www-form-urlencoded' };
 
 for (const serverName of ['lighttpd', 'apache', 'nginx']) describe(serverName, () => {
 let server, browser, attacker, attackerBase;
@@ -237,17 +234,7 @@ test('the gateway and the tool run unprivileged', { skip: process.getuid() !== 0
 
 test('all 33 verbs answer as the gateway run directly does', async () => {
   const operator = await api('operator');
-  const direct = `${server.dir}/direct.state`;
-  for (const [verb, body] of verbRequests) {
-    // Both runs start from the same shelf state.
-    copyFileSync(server.state, direct);
-    const run = spawnSync(`${server.root}/cgi-bin/${verb}`, {
-      input: body, env: { REQUEST_METHOD: 'POST', CONTENT_LENGTH: String(body.length),
-        PATH: `${dirname(server.tool)}:/usr/bin:/bin`, SHELFSIM_STATE: direct } });
-    const page = await operator.post(`${server.base}/cgi-bin/${verb}`, { data: body, headers: form });
-    assert.equal(page.status(), 200, verb);
-    assert.equal(`Content-type: text/html\n\n${await page.text()}`, run.stdout.toString('latin1'), verb);
-  }
+  await expectDirectAnswers(server, operator);
   await operator.dispose();
 });
 

@@ -55,11 +55,13 @@ export async function startServer({ build = process.env.VERBGW_BUILD ?? join(rep
   const env = { ...process.env, PORT: String(port), HTTP_PORT: String(httpPort), CGI_TIMEOUT: String(timeout),
     SHELFSIM_STATE: state, VERBGW_ETC: etc, SERVER: name };
   const run = join(dir, 'run');
-  const server = spawn(join(install, 'deploy/serve'), [join(install, 'www'), run, toolDir],
-    { env, stdio: ['ignore', 'ignore', 'inherit'] });
+  // BusyBox httpd speaks plain HTTP only, on PORT.
+  const busybox = name === 'busybox';
+  const script = join(install, busybox ? 'deploy/busybox/serve' : 'deploy/serve');
+  const server = spawn(script, [join(install, 'www'), run, toolDir], { env, stdio: ['ignore', 'ignore', 'inherit'] });
   for (let i = 0; i < 100 && !(await accepting(port)); i++) await new Promise((r) => setTimeout(r, 50));
   return {
-    base: `https://127.0.0.1:${port}`,
+    base: `${busybox ? 'http' : 'https'}://127.0.0.1:${port}`,
     httpBase: `http://127.0.0.1:${httpPort}`,
     port,
     dir,
