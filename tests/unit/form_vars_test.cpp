@@ -49,6 +49,7 @@ TEST(DecodeFormBody, SplitsAndDecodes) {
         {"a=%7e%7E", {{"a", "~~"}}},
         {"%3D=%26", {{"=", "&"}}},
         {"x=$(reboot)%0A`id`", {{"x", "$(reboot)\n`id`"}}},
+        {"verbose=x&addr1_0", {{"verbose", "x"}, {"addr1_0", ""}}},  // no "=" after another field
     };
     for (const auto& c : cases) EXPECT_EQ(decode(c.body), c.expected) << c.body;
 }
@@ -72,7 +73,8 @@ TEST(ParseContentLength, RefusesWhatCanNeverBeRead) {
         const char* text;
         std::size_t length;
     } cases[] = {
-        {"23", 23}, {" 23", 23}, {"3abc", 3}, {"+5", 5}, {nullptr, 0}, {"", 0}, {"0", 0}, {"-1", 0},
+        {"23", 23}, {" 23", 23}, {"3abc", 3}, {"1:", 1}, {"\v\f\r4", 4}, {"+5", 5},
+        {nullptr, 0}, {"", 0}, {"0", 0}, {"-1", 0},
         {"abc", 0}, {"-0", 0}, {"18446744073709551616", 0}, {"18446744073709551625", 0}, {"184467440737095516159", 0},
         {"9223372036854775808", 0}, {"99999999999999999999999999", 0},
     };
