@@ -12,7 +12,7 @@ HTTP_PORT ?= 8080
 SERVER ?= lighttpd
 DEMO := $(BUILD)/demo
 
-.PHONY: all build arm fuzz-build fuzz test demo memcheck loadtest bench clean bootstrap fresh-check
+.PHONY: all build arm fuzz-build fuzz test demo memcheck loadtest bench clean bootstrap fresh-check mutation
 
 all: build
 
@@ -95,10 +95,17 @@ bench: bootstrap build arm
 loadtest: bootstrap build
 	@node tests/load/loadtest.mjs
 
+# How many one-change faults in src/ the unit and end-to-end tests catch
+# (MUTANTS of them, 300 by default; SEED picks which). Not part of make test.
+MUTANTS ?= 300
+SEED ?= 1
+mutation: bootstrap
+	@tools/mutation/mutate.py --sample $(MUTANTS) --seed $(SEED)
+
 # The two commands on a fresh Debian root (needs root, several GiB and
 # many minutes; by hand only).
 fresh-check:
 	@scripts/fresh-check
 
 clean:
-	rm -rf $(BUILD) $(ASAN_BUILD) $(ARM_BUILD) $(FUZZ_BUILD) build-fresh
+	rm -rf $(BUILD) $(ASAN_BUILD) $(ARM_BUILD) $(FUZZ_BUILD) build-fresh build-mutation

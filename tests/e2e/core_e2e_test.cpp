@@ -221,7 +221,9 @@ TEST(CoreE2E, EndedByASignalItEndsAndReapsTheToolFirst) {
         hung.end_signal = sig;
         gateway_result r = run_gateway(hung);
         EXPECT_EQ(r.status, 128 + sig);
-        EXPECT_EQ(r.out, page_before_tool);
+        // What was copied after the flush may be lost with the process
+        // (valgrind's exit flushes it); the page so far never is.
+        EXPECT_EQ(r.out.substr(0, page_before_tool.size()), page_before_tool);
         ASSERT_GT(r.tool_pid, 0);
         EXPECT_FALSE(process_alive(r.tool_pid));
     }
