@@ -25,7 +25,8 @@ struct tool_process {
 // its input cannot end the gateway.
 void end_tool_with_gateway();
 
-// Starts the tool at `path` with the gateway's environment; returns 0, or
+// Starts the tool at `path` with the environment as it stands (see
+// keep_tool_environment); returns 0, or
 // the error number of the failed pipe, process or exec.
 int start_tool(const char* path, tool_process& tool);
 
