@@ -26,8 +26,8 @@ struct tool_process {
 void end_tool_with_gateway();
 
 // Starts the tool at `path` with the environment as it stands (see
-// keep_tool_environment); returns 0, or
-// the error number of the failed pipe, process or exec.
+// keep_tool_environment); returns 0, or the error number of the failed
+// pipe, process or exec.
 int start_tool(const char* path, tool_process& tool);
 
 // Waits for the tool to end; with `kill_first` ends it first.
