@@ -106,38 +106,50 @@ def main():
 
     per_file, survivors, equivalent, broken = {}, [], 0, 0
     started = time.time()
-    for n, (path, number, new_line, operator) in enumerate(sample, 1):
-        text = open(path).read()
-        lines = text.split('\n')
-        old_line = lines[number]
-        lines[number] = new_line
-        try:
-            with open(path, 'w') as f:
-                f.write('\n'.join(lines))
-            if run(['cmake', '--build', build, '-j', '2', '--target', *targets], REPO) != 0:
-                broken += 1
-                continue
-            if digest(os.path.join(build, 'verbgw')) == original:
-                equivalent += 1
-                continue
-            killed = run(unit, build) != 0 or run(e2e, build) != 0
-        finally:
-            with open(path, 'w') as f:
-                f.write(text)
-        name = os.path.relpath(path, REPO)
-        kills, total = per_file.get(name, (0, 0))
-        per_file[name] = (kills + killed, total + 1)
-        if not killed:
-            diff = difflib.unified_diff([old_line + '\n'], [new_line + '\n'], f'a/{name}', f'b/{name}',
-                                        lineterm='\n', n=0)
-            survivors.append(f'{operator}, line {number + 1}\n' + ''.join(diff))
-        print(f'  {n}/{len(sample)} {name}:{number + 1} {operator}: {"killed" if killed else "SURVIVED"}',
-              flush=True)
+    try:
+        for n, mutant in enumerate(sample, 1):
+            equivalent, broken = try_mutant(n, mutant, len(sample), build, targets, original, unit, e2e,
+                                            per_file, survivors, equivalent, broken)
+    except KeyboardInterrupt:  # the file being mutated is already restored
+        print('mutation: interrupted; the figures cover the mutants run so far')
     # Leave the build as the unmutated tree.
     run(['cmake', '--build', build, '-j', '2', '--target', *targets], REPO)
+    report(per_file, survivors, equivalent, broken, time.time() - started)
 
-    print(f'\nmutation: {time.time() - started:.0f} s; {equivalent} equivalent (identical gateway), '
-          f'{broken} did not compile')
+
+def try_mutant(n, mutant, count, build, targets, original, unit, e2e, per_file, survivors, equivalent, broken):
+    """Builds and tests one mutant, always restoring its file; returns the
+    new counts of equivalent and broken mutants."""
+    path, number, new_line, operator = mutant
+    text = open(path).read()
+    lines = text.split('\n')
+    old_line = lines[number]
+    lines[number] = new_line
+    try:
+        with open(path, 'w') as f:
+            f.write('\n'.join(lines))
+        if run(['cmake', '--build', build, '-j', '2', '--target', *targets], REPO) != 0:
+            return equivalent, broken + 1
+        if digest(os.path.join(build, 'verbgw')) == original:
+            return equivalent + 1, broken
+        # A mutant that loops for ever is killed by the time limit.
+        killed = run(unit, build, timeout=60) != 0 or run(e2e, build, timeout=300) != 0
+    finally:
+        with open(path, 'w') as f:
+            f.write(text)
+    name = os.path.relpath(path, REPO)
+    kills, total = per_file.get(name, (0, 0))
+    per_file[name] = (kills + killed, total + 1)
+    if not killed:
+        diff = difflib.unified_diff([old_line + '\n'], [new_line + '\n'], f'a/{name}', f'b/{name}',
+                                    lineterm='\n', n=0)
+        survivors.append(f'{operator}, line {number + 1}\n' + ''.join(diff))
+    print(f'  {n}/{count} {name}:{number + 1} {operator}: {"killed" if killed else "SURVIVED"}', flush=True)
+    return equivalent, broken
+
+
+def report(per_file, survivors, equivalent, broken, seconds):
+    print(f'\nmutation: {seconds:.0f} s; {equivalent} equivalent (identical gateway), {broken} did not compile')
     for name, (kills, total) in sorted(per_file.items()):
         print(f'  {name:40} {kills:4}/{total:<4} {100 * kills / total:5.1f}%')
     kills = sum(k for k, _ in per_file.values())
