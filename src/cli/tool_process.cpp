@@ -86,8 +86,6 @@ void move_fd(int fd, int target) {
     _exit(127);
 }
 
-bool open_pipe(int fds[2]) { return pipe2(fds, O_CLOEXEC) == 0; }
-
 void close_pipe(const int fds[2]) {
     close(fds[0]);
     close(fds[1]);
@@ -108,19 +106,17 @@ void end_tool_with_gateway() {
 }
 
 int start_tool(const char* path, tool_process& tool) {
-    int to_tool[2], from_tool[2], exec_error[2];
-    if (!open_pipe(to_tool)) return errno;
-    if (!open_pipe(from_tool)) {
-        int err = errno;
-        close_pipe(to_tool);
-        return err;
+    // To the tool's input, from its output, and the child's word on a
+    // failed exec; all close-on-exec.
+    int pipes[3][2];
+    for (int i = 0; i < 3; ++i) {
+        if (pipe2(pipes[i], O_CLOEXEC) != 0) {
+            int err = errno;
+            while (i-- > 0) close_pipe(pipes[i]);
+            return err;
+        }
     }
-    if (!open_pipe(exec_error)) {
-        int err = errno;
-        close_pipe(to_tool);
-        close_pipe(from_tool);
-        return err;
-    }
+    auto& [to_tool, from_tool, exec_error] = pipes;
     // No handler may run in the child while it shares our memory, and an
     // ending signal must find the tool's pid already known.
     sigset_t all, before;
