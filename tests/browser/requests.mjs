@@ -8,6 +8,12 @@ import { copyFileSync } from 'node:fs';
 import { dirname } from 'node:path';
 
 export const form = { 'Content-Type': 'application/x-www-form-urlencoded' };
+
+// The verbs a viewer may use: the ones that only read. Kept here, apart
+// from the list the configurations are made from, so a slip there shows.
+export const readingVerbs = ['version', 'session', 'fru', 'frudata', 'fruinfo', 'getfruledstate', 'board', 'ipmc',
+  'sensor', 'sensordata', 'getthreshold', 'gethysteresis', 'getsensoreventenable', 'fans', 'getfanlevel',
+  'getlanconfig', 'getpef', 'showunhealthy', 'getipmbstate'];
 export const verbRequests = [
   ['activate', 'command=activate&addr1_0=0x82&id2_0=0'],
   ['alarm', 'x=1'],

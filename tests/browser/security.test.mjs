@@ -13,12 +13,9 @@ import { join } from 'node:path';
 import { request as playwrightRequest } from 'playwright-core';
 import { startServer, freePort, repo } from './serve.mjs';
 import { launchChromium } from './chromium.mjs';
-import { expectDirectAnswers, form } from './requests.mjs';
+import { expectDirectAnswers, form, readingVerbs } from './requests.mjs';
 
 const verbs = readFileSync(join(repo, 'deploy/verbs.txt'), 'utf8').split('\n').filter(Boolean);
-const readingVerbs = ['version', 'session', 'fru', 'frudata', 'fruinfo', 'getfruledstate', 'board', 'ipmc',
-  'sensor', 'sensordata', 'getthreshold', 'gethysteresis', 'getsensoreventenable', 'fans', 'getfanlevel',
-  'getlanconfig', 'getpef', 'showunhealthy', 'getipmbstate'];
 const policy = "default-src 'none'; style-src 'self'; img-src 'self'; form-action 'self'; frame-ancestors 'self'; "
   + "base-uri 'none'";
 
