@@ -176,16 +176,3 @@ gateway_request get(std::string verb) {
 std::string stub_answer(std::string_view command) { return "ran " + std::string(command) + "\n"; }
 
 std::string tool_input_for(std::string_view command) { return std::string(command) + "\nquit\n\n"; }
-
-std::string expected_page(const page_literals& page, std::string_view notes, std::string_view block) {
-    std::string text(page.header);
-    text += "<HR><P>";
-    text += page.heading;
-    text += notes;
-    text += page.opener;
-    text += block;
-    text += page.closer;
-    text += page.back_link;
-    text += "</BODY></HTML>";
-    return text;
-}

@@ -52,10 +52,13 @@ std::string stub_answer(std::string_view command);
 // What the tool receives for `command`.
 std::string tool_input_for(std::string_view command);
 
-// A page as the skeleton lays it out.
-struct page_literals {
-    std::string_view header, heading, back_link;
-    // Around the tool's answer; a page without a PRE block sets its own.
-    std::string_view opener = "</P><HR><PRE>", closer = "</PRE><HR>";
-};
-std::string expected_page(const page_literals& page, std::string_view notes, std::string_view block);
+// The page of `key` (a verb, or "verb/page" for a verb with several) with
+// `notes` after the heading and `block` as the tool's answer.
+std::string expected_page(std::string_view key, std::string_view notes, std::string_view block);
+// The verb that shows the page of `key`.
+std::string verb_of(std::string_view key);
+
+// Refusals that stand in for the tool's answer.
+inline const std::string too_long = "The command is too long to send<BR>";
+inline const std::string line_break = "A value may not contain a line break<BR>";
+inline const std::string verbose_on = "Verbose mode turned on <BR>";

@@ -4,23 +4,34 @@ end-to-end tests catch.
 
 Generates seeded one-change mutants of src/ (negated conditions, swapped
 comparisons, constants +-1, deleted statements, one character changed in a
-string literal, swapped template places), rebuilds each incrementally in its
-own build directory, runs the unit tests and then the end-to-end tests
-(stopping at the first failure), and reports the score per file and overall
-with every survivor as a diff. A mutant whose built gateway is
-byte-identical to the original's is reported as equivalent and left out of
-the score; one that does not compile is left out too.
+string literal, swapped template places), rebuilds each incrementally, runs
+the unit tests and then the end-to-end tests (stopping at the first
+failure), and reports the score per file and overall with every survivor as
+a diff. A mutant whose built gateway is byte-identical to the original's is
+reported as equivalent and left out of the score; one that does not compile
+is left out too.
 
-    tools/mutation/mutate.py [--sample N] [--seed S] [--build DIR]
+Each worker mutates and builds its own copy of the checkout, so the
+checkout itself is never touched and may be edited during a run.
+
+With --matrix FILE every killed mutant runs the whole suites instead, and
+FILE receives, per mutant, the test cases that failed (a table row is named
+by its trace): what shows which cases earn their place.
+
+    tools/mutation/mutate.py [--sample N] [--seed S] [--workers W] [--matrix FILE]
 """
 import argparse
 import difflib
 import hashlib
+import json
 import os
+import queue
 import random
 import re
+import shutil
 import subprocess
 import sys
+import threading
 import time
 
 REPO = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
@@ -73,82 +84,199 @@ def run(command, cwd, timeout=600):
         return 124
 
 
+def failed_cases(command, cwd, timeout):
+    """Runs a whole suite; returns the names of what failed: the test, and
+    the trace of a table row when it has one."""
+    try:
+        out = subprocess.run(command, cwd=cwd, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
+                             timeout=timeout).stdout.decode('utf-8', 'replace')
+    except subprocess.TimeoutExpired:
+        return {'(time limit)'}
+    failed, test, lines = set(), '', out.split('\n')
+    for i, line in enumerate(lines):
+        if line.startswith('[ RUN      ] '):
+            test = line[13:].strip()
+        elif line == 'Google Test trace:' and i + 1 < len(lines):
+            failed.add(test + ' | ' + lines[i + 1].split(': ', 1)[-1])
+        elif line.startswith('[  FAILED  ] ' + test) and test:
+            failed.add(test)
+    if not failed and 'FAILED' in out:
+        failed.add('(crash)')
+    return failed
+
+
 def digest(path):
     with open(path, 'rb') as f:
         return hashlib.sha256(f.read()).hexdigest()
+
+
+class LogLock:
+    """Every gateway writes the one log file, which a single end-to-end test
+    reads back: that test runs alone, the rest of the suites side by side."""
+
+    def __init__(self):
+        self.cond, self.readers, self.writing = threading.Condition(), 0, False
+
+    def shared(self, call):
+        with self.cond:
+            self.cond.wait_for(lambda: not self.writing)
+            self.readers += 1
+        try:
+            return call()
+        finally:
+            with self.cond:
+                self.readers -= 1
+                self.cond.notify_all()
+
+    def alone(self, call):
+        with self.cond:
+            self.cond.wait_for(lambda: not self.writing and self.readers == 0)
+            self.writing = True
+        try:
+            return call()
+        finally:
+            with self.cond:
+                self.writing = False
+                self.cond.notify_all()
+
+
+LOG_LOCK = LogLock()
+LOG_TEST = '*TheLog*'
+TARGETS = ['verbgw', 'unit_tests', 'e2e_tests', 'stub_shelfctl', 'verbgw_short_limits']
+
+
+class Worker:
+    """A private copy of the checkout and its build directory."""
+
+    def __init__(self, root, n):
+        self.tree = os.path.join(root, f'tree{n}')
+        self.build = os.path.join(root, f'build{n}')
+        files = subprocess.run(['git', 'ls-files', '-z', '--cached', '--others', '--exclude-standard'], cwd=REPO,
+                               stdout=subprocess.PIPE, check=True).stdout.decode().split('\0')
+        for name in filter(None, files):
+            source = os.path.join(REPO, name)
+            if os.path.isfile(source):
+                target = os.path.join(self.tree, name)
+                os.makedirs(os.path.dirname(target), exist_ok=True)
+                if not os.path.exists(target) or digest(target) != digest(source):
+                    shutil.copy2(source, target)
+        subprocess.run(['cmake', '-S', self.tree, '-B', self.build, '-DCMAKE_BUILD_TYPE=Release'], check=True,
+                       stdout=subprocess.DEVNULL)
+        self.unit = [os.path.join(self.build, 'tests', 'unit_tests')]
+        self.e2e = [os.path.join(self.build, 'tests', 'e2e_tests')]
+
+    def make(self, jobs):
+        return run(['cmake', '--build', self.build, '-j', str(jobs), '--target', *TARGETS], self.tree) == 0
 
 
 def main():
     parser = argparse.ArgumentParser()
     parser.add_argument('--sample', type=int, default=300)
     parser.add_argument('--seed', type=int, default=1)
-    parser.add_argument('--build', default=os.path.join(REPO, 'build-mutation'))
+    parser.add_argument('--workers', type=int, default=2)
+    parser.add_argument('--root', default=os.path.join(REPO, 'build-mutation'))
+    parser.add_argument('--matrix')
     args = parser.parse_args()
 
     sources = sorted(os.path.join(d, f) for d, _, fs in os.walk(os.path.join(REPO, 'src'))
                      for f in fs if f.endswith(('.cpp', '.hpp')))
-    pool = [(path, *c) for path in sources for c in candidates(path)]
+    pool = [(os.path.relpath(path, REPO), *c) for path in sources for c in candidates(path)]
+    originals = {os.path.relpath(path, REPO): open(path).read().split('\n') for path in sources}
     random.Random(args.seed).shuffle(pool)
     sample = pool[:args.sample]
-    print(f'mutation: {len(sample)} of {len(pool)} mutants, seed {args.seed}', flush=True)
+    print(f'mutation: {len(sample)} of {len(pool)} mutants, seed {args.seed}, {args.workers} workers', flush=True)
 
-    build = args.build
-    targets = ['verbgw', 'unit_tests', 'e2e_tests', 'stub_shelfctl', 'verbgw_short_limits']
-    subprocess.run(['cmake', '-S', REPO, '-B', build, '-DCMAKE_BUILD_TYPE=Release'], check=True,
-                   stdout=subprocess.DEVNULL)
-    if run(['cmake', '--build', build, '-j', '2', '--target', *targets], REPO) != 0:
-        sys.exit('mutation: the unmutated tree does not build')
-    original = digest(os.path.join(build, 'verbgw'))
-    unit = [os.path.join(build, 'tests', 'unit_tests'), '--gtest_brief=1', '--gtest_fail_fast']
-    e2e = [os.path.join(build, 'tests', 'e2e_tests'), '--gtest_brief=1', '--gtest_fail_fast']
-    if run(unit, build) != 0 or run(e2e, build) != 0:
-        sys.exit('mutation: the tests fail on the unmutated tree')
+    workers = [Worker(args.root, n) for n in range(args.workers)]
+    for w in workers:
+        if not w.make(2):
+            sys.exit('mutation: the unmutated tree does not build')
+        if run(w.unit, w.build) != 0 or run(w.e2e, w.build) != 0:  # one at a time here
+            sys.exit('mutation: the tests fail on the unmutated tree')
+    original = digest(os.path.join(workers[0].build, 'verbgw'))
 
-    per_file, survivors, equivalent, broken = {}, [], 0, 0
+    todo = queue.Queue()
+    for n, mutant in enumerate(sample, 1):
+        todo.put((n, mutant))
+    results, lock, stop = [], threading.Lock(), threading.Event()
+
+    def work(w):
+        while not stop.is_set():
+            try:
+                n, mutant = todo.get_nowait()
+            except queue.Empty:
+                return
+            outcome = try_mutant(w, mutant, original, args.matrix is not None)
+            with lock:
+                results.append((mutant, outcome))
+                if outcome[0] in ('killed', 'survived'):
+                    print(f'  {n}/{len(sample)} {mutant[0]}:{mutant[1] + 1} {mutant[3]}: '
+                          f'{"killed" if outcome[0] == "killed" else "SURVIVED"}', flush=True)
+
     started = time.time()
+    threads = [threading.Thread(target=work, args=(w,)) for w in workers]
+    for t in threads:
+        t.start()
     try:
-        for n, mutant in enumerate(sample, 1):
-            equivalent, broken = try_mutant(n, mutant, len(sample), build, targets, original, unit, e2e,
-                                            per_file, survivors, equivalent, broken)
-    except KeyboardInterrupt:  # the file being mutated is already restored
+        while any(t.is_alive() for t in threads):
+            time.sleep(0.5)
+    except KeyboardInterrupt:  # each worker restores its file before it stops
+        stop.set()
         print('mutation: interrupted; the figures cover the mutants run so far')
-    # Leave the build as the unmutated tree.
-    run(['cmake', '--build', build, '-j', '2', '--target', *targets], REPO)
-    report(per_file, survivors, equivalent, broken, time.time() - started)
+        for t in threads:
+            t.join()
+    report(results, originals, time.time() - started)
+    if args.matrix:
+        with open(args.matrix, 'w') as f:
+            json.dump([{'mutant': f'{m[0]}:{m[1] + 1} {m[3]}', 'line': m[2], 'failed': sorted(o[1])}
+                       for m, o in results if o[0] in ('killed', 'survived')], f, indent=1)
 
 
-def try_mutant(n, mutant, count, build, targets, original, unit, e2e, per_file, survivors, equivalent, broken):
-    """Builds and tests one mutant, always restoring its file; returns the
-    new counts of equivalent and broken mutants."""
-    path, number, new_line, operator = mutant
+def try_mutant(w, mutant, original, matrix):
+    """Builds and tests one mutant in the worker's copy, always restoring
+    the file; returns (outcome, what failed)."""
+    name, number, new_line, _ = mutant
+    path = os.path.join(w.tree, name)
     text = open(path).read()
     lines = text.split('\n')
-    old_line = lines[number]
     lines[number] = new_line
     try:
         with open(path, 'w') as f:
             f.write('\n'.join(lines))
-        if run(['cmake', '--build', build, '-j', '2', '--target', *targets], REPO) != 0:
-            return equivalent, broken + 1
-        if digest(os.path.join(build, 'verbgw')) == original:
-            return equivalent + 1, broken
+        if not w.make(1):
+            return 'broken', set()
+        if digest(os.path.join(w.build, 'verbgw')) == original:
+            return 'equivalent', set()
+        rest, log = [f'--gtest_filter=-{LOG_TEST}'], [f'--gtest_filter={LOG_TEST}']
+        if matrix:
+            failed = (failed_cases(w.unit, w.build, 60) |
+                      LOG_LOCK.shared(lambda: failed_cases(w.e2e + rest, w.build, 300)) |
+                      LOG_LOCK.alone(lambda: failed_cases(w.e2e + log, w.build, 60)))
+            return ('killed' if failed else 'survived'), failed
         # A mutant that loops for ever is killed by the time limit.
-        killed = run(unit, build, timeout=60) != 0 or run(e2e, build, timeout=300) != 0
+        brief = ['--gtest_brief=1', '--gtest_fail_fast']
+        killed = (run(w.unit + brief, w.build, timeout=60) != 0 or
+                  LOG_LOCK.shared(lambda: run(w.e2e + brief + rest, w.build, timeout=300)) != 0 or
+                  LOG_LOCK.alone(lambda: run(w.e2e + brief + log, w.build, timeout=60)) != 0)
+        return ('killed' if killed else 'survived'), set()
     finally:
         with open(path, 'w') as f:
             f.write(text)
-    name = os.path.relpath(path, REPO)
-    kills, total = per_file.get(name, (0, 0))
-    per_file[name] = (kills + killed, total + 1)
-    if not killed:
-        diff = difflib.unified_diff([old_line + '\n'], [new_line + '\n'], f'a/{name}', f'b/{name}',
-                                    lineterm='\n', n=0)
-        survivors.append(f'{operator}, line {number + 1}\n' + ''.join(diff))
-    print(f'  {n}/{count} {name}:{number + 1} {operator}: {"killed" if killed else "SURVIVED"}', flush=True)
-    return equivalent, broken
 
 
-def report(per_file, survivors, equivalent, broken, seconds):
+def report(results, originals, seconds):
+    per_file, survivors = {}, []
+    for (name, number, new_line, operator), (outcome, _) in results:
+        if outcome not in ('killed', 'survived'):
+            continue
+        kills, total = per_file.get(name, (0, 0))
+        per_file[name] = (kills + (outcome == 'killed'), total + 1)
+        if outcome == 'survived':
+            old_line = originals[name][number]
+            diff = difflib.unified_diff([old_line + '\n'], [new_line + '\n'], f'a/{name}', f'b/{name}',
+                                        lineterm='\n', n=0)
+            survivors.append(f'{operator}, line {number + 1}\n' + ''.join(diff))
+    equivalent = sum(o == 'equivalent' for _, (o, _) in results)
+    broken = sum(o == 'broken' for _, (o, _) in results)
     print(f'\nmutation: {seconds:.0f} s; {equivalent} equivalent (identical gateway), {broken} did not compile')
     for name, (kills, total) in sorted(per_file.items()):
         print(f'  {name:40} {kills:4}/{total:<4} {100 * kills / total:5.1f}%')
@@ -156,7 +284,7 @@ def report(per_file, survivors, equivalent, broken, seconds):
     total = sum(t for _, t in per_file.values())
     print(f'score: {kills}/{total} killed ({100 * kills / max(total, 1):.1f}%)')
     print(f'\nsurvivors ({len(survivors)}):')
-    for s in survivors:
+    for s in sorted(survivors):
         print(s)
 
 

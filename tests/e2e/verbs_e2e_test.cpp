@@ -1,0 +1,339 @@
+// Every verb end to end, as one table: the whole page byte for byte, and
+// exactly the command the stand-in shelfctl received, or that it never ran.
+#include <gtest/gtest.h>
+
+#include <fstream>
+
+#include "gateway_run.hpp"
+
+namespace {
+
+const std::string all_params = "It is necessary to specify all parameters<BR>";
+const std::string the_params = "It is necessary to specify the parameters<BR>";
+const std::string set_params = "It is necessary to set parameters!<BR>";
+const std::string mask_pair = "Deasserted mask must be specified along with the asserted mask<BR>";
+const std::string need_address = "It is necessary to specify IPMB address<BR>";
+const std::string need_all = "It is necessary to specify IPMB address, bus, and action<BR>";
+const std::string x300(300, 'x');
+const std::string GET = "(GET)";
+
+struct verb_case {
+    std::string page;   // the page's key: the verb, or "verb/page"
+    std::string body;   // GET: a GET request
+    std::string sent;   // the tool's command; a refusal ("...<BR>"): the tool must not run
+    std::string notes = "";  // after the heading (for shelf: the name in it)
+};
+
+void expect_case(const verb_case& c) {
+    SCOPED_TRACE(c.page + " " + c.body.substr(0, 120));
+    std::string verb = verb_of(c.page);
+    gateway_result r = run_gateway(c.body == GET ? get(verb) : post(verb, c.body));
+    bool refused = c.sent.ends_with("<BR>");
+    EXPECT_EQ(r.status, 0);
+    EXPECT_EQ(r.out, expected_page(c.page, c.notes, refused ? c.sent : stub_answer(c.sent)));
+    EXPECT_EQ(r.tool_input, refused ? std::nullopt : std::optional(tool_input_for(c.sent)));
+}
+
+std::string board(const std::string& slot) { return "Board # " + slot + "<BR>"; }
+std::string resetting(const std::string& slot) { return "Resetting board # " + slot + "<BR>"; }
+std::string channel(const std::string& c) { return "Retrieving Information of channel: " + c + "<BR>"; }
+const std::string led = "addr1_0=0x82&id3_0=0&";
+const std::string sse0 = "addr1_0=20&id3_0=3&id2_1=1";
+const std::string sse1 = "req_type=1&pti_sym1_1=p&id2_0=0&id3_0=3&id2_1=1";
+const std::string act = "&addr_activation=A&id1_activation=I1&pti_sym_activation=P&id2_activation=I2"
+                        "&slot_activation=4&value_activation=V";
+const std::string deact = "&addr_deactivation=a&id1_deactivation=i1&pti_sym_deactivation=p"
+                          "&id2_deactivation=i2&slot_deactivation=5&value_deactivation=v";
+const std::string cap = "&addr_pwrcapability=A&id1_pwrcapability=I1&value1_pwrcapability=V1"
+                        "&pti_sym_pwrcapability=P&id2_pwrcapability=I2";
+const std::string delay = "&addr_pwrdelay=a&id1_pwrdelay=i1&value1_pwrdelay=v1&pti_sym_pwrdelay=p&id2_pwrdelay=i2";
+const std::string refs = "&addr1_pwrreorder=A1&id11_pwrreorder=I11&pti_sym1_pwrreorder=P1&id12_pwrreorder=I12"
+                         "&op_pwrreorder=before&addr2_pwrreorder=A2&id21_pwrreorder=I21&pti_sym2_pwrreorder=P2"
+                         "&id22_pwrreorder=I22";
+
+const verb_case cases[] = {
+    // Fixed commands read no field.
+    {"version", "verbose=-v&command=reboot", "version"},
+    {"session", GET, "session"},
+    {"switchover", "x=$(reboot)", "switchover"},
+    // FRUs and boards.
+    {"activate", GET, "  "},
+    {"activate", "command=activate&addr1_0=0x82&id2_0=1", "activate 0x82 1"},
+    {"activate", "command=SetLocked&req_type=1&pti_sym1_1=P&id2_1=2", "setlocked P 2 1"},
+    {"activate", "command=CLEARLOCKED&addr1_0=0x82&id2_0=1", "setlocked 0x82 1 0"},
+    {"activate", "command=clearLocked&req_type=1&id2_1=2", "setlocked  2 0"},
+    {"activate", "command=%53ETLOCKED", "setlocked   1"},
+    {"activate", "command=setlocked+&addr1_0=0x82&id2_0=1", "setlocked  0x82 1"},
+    {"activate", "command=activate&req_type=1&addr1_0=0x82&id2_0=1", "activate  "},
+    {"activate", "command=activate&req_type=2&addr1_0=0x82&id2_0=1&id2_1=9", "activate 0x82 1"},
+    {"fru", GET, "fru   "},
+    {"fru", "verbose=-v&addr1_0=0x82&id2_0=1", "fru -v 0x82 1", verbose_on},
+    {"fru", "id2_0=1", "fru   "},
+    {"fru", "req_type=3&verbose=V&site_type1_3=S&id2_3=7", "fru V type=S  /7", verbose_on},
+    {"fru", "req_type=3&site_type1_3=S", "fru  type=S "},
+    {"fru", "req_type=3&id2_3=7&addr1_0=0x82", "fru   "},
+    {"fru", "req_type=1&addr1_1=0x82&id2_1=3", "fru  0x82 type=3"},
+    {"fru", "req_type=1&addr1_1=0x82", "fru  0x82 "},
+    {"fru", "req_type=1&id2_1=3", "fru   "},
+    {"fru", "req_type=2&pti_sym1_2=P&id2_2=3&verbose=V", "fru P 3", verbose_on},
+    {"fru", "req_type=2&id2_2=3", "fru  "},
+    {"fru", "req_type=4&addr1_0=0x82&id2_0=1", "fru  0x82 1"},
+    {"fru", "verbose=V&addr1_0=" + x300, too_long, verbose_on},
+    {"frudata", GET, "frudata    "},
+    {"frudata", "addr1_0=0x82&id2_0=1&offset=8&to_write=FF", "frudata 0x82 1 8 FF"},
+    {"frudata", "req_type=1&pti_sym1_1=P&id2_1=2&offset=8", "frudata P 2 8 "},
+    {"frudata", "req_type=1&id2_1=2", "frudata  2  "},
+    {"frudata", "id2_0=1&to_write=AA+BB&verbose=V", "frudata  1  AA BB"},
+    {"fruinfo", GET, all_params},
+    {"fruinfo", "verbose=V&dump=D&addr1_0=0x82&id2_0=1", "fruinfo V D 0x82 1"},
+    {"fruinfo", "req_type=1&pti_sym1_1=P&id2_1=2", "fruinfo   P 2"},
+    {"fruinfo", "req_type=1&addr1_0=0x82&id2_0=1", "fruinfo    "},
+    {"fruinfo", "pti_sym1_1=P&id2_1=2", "fruinfo    "},
+    {"fruinfo", "addr1_0=0x82", all_params},
+    {"fruinfo", "req_type=1&pti_sym1_1=P&id2_0=1", all_params},
+    {"fruinfo", "verbose=" + x300 + "&addr1_0=0x82", all_params},
+    {"fruinfo", "verbose=" + x300 + "&addr1_0=0x82&id2_0=1", too_long},
+    {"getfruledstate", GET, "getfruledstate    "},
+    {"getfruledstate", "addr1_0=0x82&id2_2=1&id2_3=2", "getfruledstate  0x82 1 2"},
+    {"getfruledstate", "id2_2=1&id2_3=2", "getfruledstate    "},
+    {"getfruledstate", "addr1_0=0x82&id2_3=2", "getfruledstate  0x82  "},
+    {"getfruledstate", "verbose=V&addr1_0=0x82&id2_2=1", "getfruledstate V 0x82 1 ", verbose_on},
+    {"getfruledstate", "req_type=1&pti_sym1_1=P&id2_1=0&id2_3=2", "getfruledstate  P 0 2"},
+    {"getfruledstate", "req_type=1&pti_sym1_1=P&id2_3=2", "getfruledstate  P  "},
+    {"getfruledstate", "req_type=1&id2_1=0&id2_3=2&addr1_0=0x82", "getfruledstate   0 2"},
+    {"setfruledstate", GET, set_params},
+    {"setfruledstate", led + "addr1_3=1&addr1_1=ON&addr1_2=100", "setfruledstate 0x82 0 1 ON 100"},
+    {"setfruledstate", led + "addr1_1=ONE&addr1_2=5", "setfruledstate 0x82 0 ALL ON 5"},
+    {"setfruledstate", led + "addr1_1=OFFLINE&addr1_2=1%0A", "setfruledstate 0x82 0 ALL OFF"},
+    {"setfruledstate", led + "addr1_1=LOCAL&addr1_2=5&verbose=V", "setfruledstate 0x82 0 ALL LOCAL"},
+    {"setfruledstate", led + "addr1_1=BLINKING&id2_2=100&id2_3=200&addr1_2=3", "setfruledstate 0x82 0 ALL BLINK 100 200 3"},
+    {"setfruledstate", led + "addr1_1=BLINK&id2_2=100&addr1_2=3", set_params},
+    {"setfruledstate", led + "addr1_1=BLINK&id2_3=200", set_params},
+    {"setfruledstate", led + "addr1_1=TESTING&id2_2=5&addr1_2=1", "setfruledstate 0x82 0 ALL TEST 5"},
+    {"setfruledstate", led + "addr1_1=TEST", set_params},
+    {"setfruledstate", led + "addr1_1=on", set_params},
+    {"setfruledstate", led + "addr1_1=+OFF", set_params},
+    {"setfruledstate", led + "addr1_2=100", set_params},
+    {"setfruledstate", "addr1_0=0x82&addr1_3=1&addr1_1=OFF", set_params},
+    {"setfruledstate", "addr1_0=0x82&addr1_1=TEST&id2_2=5", set_params},
+    {"setfruledstate", "id3_0=0&addr1_1=OFF", set_params},
+    {"setfruledstate", "req_type=1&pti_sym1_1=P&id2_1=0&addr1_3=2&addr1_1=OFF", "setfruledstate P 0 2 OFF"},
+    {"setfruledstate", "req_type=1&id2_1=0&addr1_1=OFF", "setfruledstate  0 ALL OFF"},
+    {"setfruledstate", "req_type=1&pti_sym1_1=P&addr1_0=0x82&id3_0=0&addr1_1=OFF", set_params},
+    {"setfruledstate", "req_type=2&addr1_1=OFF", "setfruledstate   ALL OFF"},
+    {"setfruledstate", "req_type=2&addr1_0=0x82&id3_0=0&addr1_3=1&addr1_1=OFF", "setfruledstate 0x82 0 1 OFF"},
+    {"setfruledstate", "req_type=2&addr1_0=0x82&addr1_3=1&addr1_1=OFF", "setfruledstate 0x82  ALL OFF"},
+    {"setfruledstate", led + "addr1_1=ON&addr1_2=1%0A", line_break},
+    {"setfruledstate", "addr1_0=" + x300 + "&addr1_1=OFF", set_params},
+    {"board", GET, "board  -1", board("-1")},
+    {"board", "slot=0&verbose=V", "board V", verbose_on},
+    {"board", "verbose=V&slot=4", "board V 4", verbose_on + board("4")},
+    {"board", "slot=abc", "board "},
+    {"board", "slot=4294967295", "board  -1", board("-1")},
+    {"board", "slot=-4294967295", "board  1", board("1")},
+    {"board", "slot=+7x&Slot=3", "board  7", board("7")},
+    {"board", "verbose=" + x300 + "&slot=3", too_long, verbose_on + board("3")},
+    {"reset", GET, "boardreset "},
+    {"reset", "slot=7&verbose=V", "boardreset 7", verbose_on + resetting("7")},
+    {"reset", "slot=-1&verbose=V", "boardreset V", verbose_on},
+    {"reset", "slot=4294967295", "boardreset "},
+    {"reset", "slot=abc", "boardreset 0", resetting("0")},
+    {"reset", "slot=-2", "boardreset -2", resetting("-2")},
+    {"reset", "slot=7&verbose=" + x300, "boardreset 7", verbose_on + resetting("7")},
+    {"reset", "verbose=" + x300, too_long, verbose_on},
+    {"ipmc", GET, "ipmc  "},
+    {"ipmc", "req_type=1&pti_sym1_1=P&id2_1=2", "ipmc  P 2"},
+    {"ipmc", "req_type=1&id2_1=2&addr1_0=0x82", "ipmc   2"},
+    {"ipmc", "addr1_0=0x82&id2_1=2&pti_sym1_1=P", "ipmc  0x82"},
+    {"ipmc", "verbose=V&req_type=1&pti_sym1_1=P", "ipmc V P ", verbose_on},
+    // Sensors and the event log.
+    {"setthreshold", GET, all_params},
+    {"setthreshold", "addr1_0=20&id3_0=3&tr=unc&raw=r&value=9", "setthreshold  20 3 unc r 9"},
+    {"setthreshold", "req_type=1&addr1_0=20&id3_0=3&tr=unc&value=9", "setthreshold    3 unc  9"},
+    {"setthreshold", "req_type=1&verbose=-v&pti_sym1_1=p&id2_1=2&id3_0=3&tr=unc&raw=r&value=9",
+     "setthreshold -v p 2 3 unc r 9"},
+    {"setthreshold", "addr1_0=20&id3_0=3&tr=unc&raw=9", all_params},
+    {"setthreshold", "req_type=1&pti_sym1_1=p&id3_0=3&tr=unc&value=9", all_params},
+    {"setthreshold", "addr1_0=20&id3_0=3&tr=unc&raw=" + x300, all_params},
+    {"sethysteresis", GET, all_params},
+    {"sethysteresis", "addr1_0=20&id3_0=3&tr=unc&raw=r&value=9", "sethysteresis  20 3 unc 9"},
+    {"sethysteresis", "req_type=1&addr1_0=20&id3_0=3&tr=unc&value=9", "sethysteresis    3 unc 9"},
+    {"sethysteresis", "req_type=1&verbose=-v&pti_sym1_1=p&id2_1=2&id3_0=3&tr=unc&value=9",
+     "sethysteresis -v p 2 3 unc 9"},
+    {"sethysteresis", "addr1_0=20&id3_0=3&value=9", all_params},
+    {"sethysteresis", "req_type=1&id2_1=2&id3_0=3&tr=unc&value=9", all_params},
+    {"sethysteresis", "addr1_0=20&id3_0=3&tr=unc&value=" + x300, too_long},
+    {"getsensoreventenable", GET, "getsensoreventenable  "},
+    {"getsensoreventenable", "addr1_0=20&id3_0=3&pti_sym1_1=p&id2_1=2&verbose=-v", "getsensoreventenable 20 3"},
+    {"getsensoreventenable", "addr1_0=20", "getsensoreventenable 20 "},
+    {"getsensoreventenable", "id3_0=3", "getsensoreventenable  "},
+    {"getsensoreventenable", "req_type=1&pti_sym1_1=p&id2_1=2&id3_0=3&addr1_0=20", "getsensoreventenable p 2 3"},
+    {"getsensoreventenable", "req_type=1&pti_sym1_1=p&id3_0=3", "getsensoreventenable p  "},
+    {"getsensoreventenable", "req_type=1&id2_1=2&id3_0=3", "getsensoreventenable  2 3"},
+    {"setsensoreventenable", GET, the_params},
+    {"setsensoreventenable", sse0, "setsensoreventenable 20 3 1  "},
+    {"setsensoreventenable", sse0 + "&id2_2=a&id2_3=d", "setsensoreventenable 20 3 1 a d"},
+    {"setsensoreventenable", sse1 + "&id2_2=a&id2_3=d&addr1_0=20", "setsensoreventenable p 0 3 1 a d"},
+    {"setsensoreventenable", sse0 + "&req_type=4294967297", the_params},
+    {"setsensoreventenable", "id3_0=3&id2_1=1", the_params},
+    {"setsensoreventenable", "addr1_0=20&id2_1=1", the_params},
+    {"setsensoreventenable", "addr1_0=20&id3_0=3", the_params},
+    {"setsensoreventenable", "req_type=1&pti_sym1_1=p&id2_0=0&id2_1=1", the_params},
+    {"setsensoreventenable", sse0 + "&id2_2=a", mask_pair},
+    {"setsensoreventenable", sse1 + "&id2_3=d", mask_pair},
+    {"setsensoreventenable", sse0 + "&id2_2=" + x300, mask_pair},
+    {"setsensoreventenable", sse0 + "&id2_2=a&id2_3=" + x300, too_long},
+    {"sel/info", GET, "sel info   "},
+    {"sel/info", "verbose=-v", "sel info -v  "},
+    {"sel", "req_type_sel=0", "sel   "},
+    {"sel/clear", "req_type_sel=1", "sel clear  "},
+    {"sel/info", "req_type_sel=2&addr1_0=20", "sel info  20 "},
+    {"sel/info", "req_type_sel=01", "sel info   "},
+    {"sel/info", "req_type_sel=1%20&addr1_0=20", "sel info  20 "},
+    {"sel/clear", "req_type_sel=0&req_type_sel=1", "sel clear  "},
+    {"sel", "req_type_sel=0&req_type_sel=", "sel   "},
+    {"sel", "req_type_sel=0&req_type=1&id2_1=2&value=9", "sel   2 9"},
+    {"sel", "req_type_sel=0&req_type=1&pti_sym1_1=p&value=9", "sel  p  "},
+    {"sel", "req_type_sel=0&value=9", "sel   "},
+    {"sel", "req_type_sel=0&verbose=-v&addr1_0=20&value=9&id2_1=2", "sel -v 20 9"},
+    {"sel/info", "req_type=1&verbose=-v&pti_sym1_1=p&id2_1=2&addr1_0=20", "sel info -v p 2"},
+    {"sel/clear", "req_type_sel=1&verbose=-v&value=9&addr1_0=20", "sel clear 20 "},
+    {"sel/clear", "req_type_sel=1&req_type=1&verbose=-v&pti_sym1_1=p&id2_1=2&value=9", "sel clear p 2"},
+    {"sel/clear", "req_type_sel=1&req_type=1&id2_1=2", "sel clear  2"},
+    {"sel/clear", "req_type_sel=1&addr1_0=" + x300, too_long},
+    // Fans.
+    {"fans", GET, "fans  "},
+    {"fans", "addr1_0=0x20&id2_0=3&verbose=V&value=5", "fans 0x20 3"},
+    {"fans", "id2_0=3", "fans  3"},
+    {"fans", "req_type=1&pti_sym1_1=P&id2_1=9&addr1_0=0x20", "fans P 9"},
+    {"fans", "req_type=2&pti_sym1_1=P&id2_1=9", "fans P 9"},
+    {"fans", "req_type=-1&pti_sym1_1=P", "fans P "},
+    {"fans", "req_type=1&addr1_0=0x20&id2_0=3", "fans  "},
+    {"getfanlevel", GET, all_params},
+    {"getfanlevel", "verbose=-v&addr1_0=a&id2_0=b", "getfanlevel -v a b"},
+    {"getfanlevel", "addr1_0=a", all_params},
+    {"getfanlevel", "id2_0=b&pti_sym1_1=P", all_params},
+    {"getfanlevel", "req_type=1&pti_sym1_1=P&id2_1=9", "getfanlevel  P 9"},
+    {"getfanlevel", "req_type=1&addr1_0=a&id2_0=b", "getfanlevel   "},
+    {"getfanlevel", "req_type=1&pti_sym1_1=P", all_params},
+    {"getfanlevel", "req_type=2&pti_sym1_1=P&id2_1=9&addr1_0=a", "getfanlevel  a "},
+    {"getfanlevel", "addr1_0=a&id2_1=b&verbose=" + x300, all_params},
+    {"setfanlevel", GET, all_params},
+    {"setfanlevel", "verbose=V&addr1_0=a&id2_0=b&value=5", "setfanlevel V a b 5"},
+    {"setfanlevel", "addr1_0=a&id2_0=b", all_params},
+    {"setfanlevel", "addr1_0=a&value=5", all_params},
+    {"setfanlevel", "req_type=1&pti_sym1_1=P&id2_1=9&value=5", "setfanlevel  P 9 5"},
+    {"setfanlevel", "req_type=1&addr1_0=a&id2_0=b&value=5", "setfanlevel    5"},
+    {"setfanlevel", "req_type=1&pti_sym1_1=P&id2_1=9", all_params},
+    {"setfanlevel", "req_type=2&verbose=V&value=5&addr1_0=a&id2_0=b", "setfanlevel V all 5"},
+    {"setfanlevel", "req_type=2&addr1_0=a&id2_0=b&pti_sym1_1=P&id2_1=9", all_params},
+    {"setfanlevel", "req_type=3&addr1_0=a&id2_0=b&value=5", "setfanlevel  a b 5"},
+    {"setfanlevel", "req_type=3&value=5", all_params},
+    {"setfanlevel", "req_type=2&value=" + x300, too_long},
+    // Shelf-wide settings.
+    {"getlanconfig", GET, "getlanconfig 1 0", channel("1")},
+    {"getlanconfig", "channel=2&channel=5&parameter=3", "getlanconfig 5 3", channel("5")},
+    {"getlanconfig", "channel=&parameter=3", "getlanconfig 1 3", channel("1")},
+    {"getlanconfig", "parameter=" + x300, too_long, channel("1")},
+    {"getlanconfig", "channel=" + x300, too_long, channel(x300)},
+    {"getlanconfig", "channel=1%0Areboot", line_break, channel("1\nreboot")},
+    {"setlanconfig", GET, "setlanconfig    "},
+    {"setlanconfig", "channel=1&parameter=3&sel=0&value=192.168.0.2&verbose=1", "setlanconfig 1 3 0 192.168.0.2"},
+    {"getpef", GET, "getpefconfig 0"},
+    {"getpef", "parameter=7&channel=3", "getpefconfig 7"},
+    {"setpef", GET, "setpefconfig   "},
+    {"setpef", "parameter=1&sel=2&value=3", "setpefconfig 1 2 3"},
+    {"alarm", GET, "alarm"},
+    {"alarm", "command=", "alarm"},
+    {"alarm", "command=clear+all&verbose=1", "alarm clear all"},
+    {"showunhealthy", GET, "showunhealthy "},
+    {"showunhealthy", "verbose=1&verbose=-v", "showunhealthy -v", verbose_on},
+    {"getipmbstate", GET, need_address},
+    {"getipmbstate", "addr1_0=0x82", "getipmbstate  0x82 "},
+    {"getipmbstate", "addr1_0=0x82&addr1_1=A", "getipmbstate  0x82 A"},
+    {"getipmbstate", "addr1_0=&addr1_1=A", need_address},
+    {"getipmbstate", "addr1_1=" + x300 + "%0A", need_address},
+    {"setipmbstate", GET, need_all},
+    {"setipmbstate", "addr1_0=0x82&addr1_1=A&addr1_2=disable", "setipmbstate 0x82 A  disable"},
+    {"setipmbstate", "addr1_0=0x82&addr1_1=A&addr1_3=1&addr1_2=enable", "setipmbstate 0x82 A 1 enable"},
+    {"setipmbstate", "addr1_0=0x82&addr1_1=A&addr1_2=", need_all},
+    {"setipmbstate", "addr1_0=0x82&addr1_2=enable", need_all},
+    {"setipmbstate", "addr1_1=A&addr1_3=1&addr1_2=enable", need_all},
+    {"setipmbstate", "addr1_0=0x82&addr1_3=" + x300 + "%0A&addr1_2=on", need_all},
+    // The shelf: `command` is a two-digit case number and the name in the heading.
+    {"shelf", GET, "shelf ", "Undefined"},
+    {"shelf", "command=&submit=Go", "shelf ", "Undefined"},
+    {"shelf", "command=03x_y", "shelf x_y", "x y"},
+    {"shelf", "command=00a__b_", "shelf a__b_", "a  b "},
+    {"shelf", "command=07", "shelf ", ""},
+    {"shelf", "command=abc", "shelf c", "c"},
+    {"shelf", "command=8&current=2", "shelf   2", ""},
+    {"shelf", "command=15&value_allowance=7", "shelf  7", ""},
+    {"shelf", "command=17x", "shelf", "x"},
+    {"shelf", "command=-1x", "shelf", "x"},
+    {"shelf", "command=4294967306x", "shelf", "94967306x"},
+    {"shelf", "command=-4294967286x", "shelf 294967286x   ", "294967286x"},
+    {"shelf", "command=+2x", "shelf x", "x"},
+    {"shelf", "command=00" + std::string(222, 'n'), "shelf " + std::string(222, 'n'), std::string(222, 'n')},
+    {"shelf", "command=00" + std::string(1500, '_'), too_long, std::string(1023, ' ')},
+    {"shelf", "command=00a%0Ab", line_break, "a\nb"},
+    {"shelf", "command=05x&feed0=1&current=2", "shelf x", "x"},
+    {"shelf", "command=08x&feed0=1&current=2&voltage=48", "shelf x 1 2", "x"},
+    {"shelf", "command=09x&feed0=1&current=2&voltage=48", "shelf x 1 48", "x"},
+    {"shelf", "command=13x&slot_bdselgrounded=5&value_bdselgrounded=1", "shelf x board 5 1", "x"},
+    {"shelf", "command=13x&value_bdselgrounded=1", "shelf x board  1", "x"},
+    {"shelf", "command=10x" + act + deact, "shelf x A I1 V", "x"},
+    {"shelf", "command=10x&req_type_activation=1" + act, "shelf x P I2 V", "x"},
+    {"shelf", "command=10x&req_type_activation=2&slot_activation=4", "shelf x slot4 ", "x"},
+    {"shelf", "command=10x&req_type_activation=3" + act, "shelf", "x"},
+    {"shelf", "command=10x&req_type=2&req_type_deactivation=1" + act, "shelf x A I1 V", "x"},
+    {"shelf", "command=11x&req_type_activation=1" + act + deact, "shelf x a i1 v", "x"},
+    {"shelf", "command=11x&req_type_deactivation=1" + deact, "shelf x p i2 v", "x"},
+    {"shelf", "command=11x&req_type_deactivation=2" + deact, "shelf x slot5 v", "x"},
+    {"shelf", "command=11x&req_type_deactivation=3" + deact, "shelf", "x"},
+    {"shelf", "command=12x&req_type_pwrdelay=1" + cap + delay, "shelf x A I1 V1", "x"},
+    {"shelf", "command=12x&req_type_pwrcapability=1&value2_pwrcapability=V2" + cap, "shelf x P I2 V2", "x"},
+    {"shelf", "command=12x&req_type_pwrcapability=1&value2_pwrcapability=", "shelf x   ", "x"},
+    {"shelf", "command=12x&value2_pwrcapability=V2&req_type_pwrcapability=2" + cap, "shelf", "x"},
+    {"shelf", "command=14x&value2_pwrdelay=v2" + cap + delay, "shelf x a i1 v1", "x"},
+    {"shelf", "command=14x&req_type_pwrdelay=1" + delay, "shelf x p i2 v1", "x"},
+    {"shelf", "command=14x&req_type_pwrdelay=1&value2_pwrdelay=v2" + delay, "shelf x p i2 v2", "x"},
+    {"shelf", "command=14x&req_type_pwrdelay=2" + delay, "shelf", "x"},
+    {"shelf", "command=16x" + refs, "shelf x A1 I11 before A2 I21", "x"},
+    {"shelf", "command=16x&req_type1_pwrreorder=1&req_type2_pwrreorder=1" + refs, "shelf x P1 I12 before P2 I22", "x"},
+    {"shelf", "command=16x&req_type1_pwrreorder=2&req_type2_pwrreorder=1" + refs, "shelf x A1 I11 before P2 I22", "x"},
+    {"shelf", "command=16x&req_type1_pwrreorder=1&req_type2_pwrreorder=7" + refs, "shelf x P1 I12 before A2 I21", "x"},
+    {"shelf", "command=16x&op_pwrreorder=after", "shelf x   after  ", "x"},
+};
+
+// sensor, sensordata, getthreshold and gethysteresis read alike: each
+// row's command is the verb followed by the row's text.
+const verb_case reading_rows[] = {
+    {"", GET, "   "},
+    {"", "req_type=1&pti_sym1_1=p&id2_1=2&id3_0=3&addr1_0=20", "  p 2 3"},
+    {"", "req_type=1&pti_sym1_1=p&id3_0=3", "  p  "},
+    {"", "req_type=2&addr1_0=20&id3_0=3&pti_sym1_1=p&id2_1=2", "  20 3"},
+    {"", "id3_0=3&verbose=", "   "},
+    {"", "verbose=-v&addr1_0=20", " -v 20 ", verbose_on},
+};
+
+}  // namespace
+
+TEST(VerbsE2E, EveryVerbBuildsItsCommandOrRefuses) {
+    for (const verb_case& c : cases) expect_case(c);
+    for (std::string verb : {"sensor", "sensordata", "getthreshold", "gethysteresis"}) {
+        for (verb_case row : reading_rows) {
+            row.page = verb;
+            if (!row.sent.ends_with("<BR>")) row.sent = verb + row.sent;
+            expect_case(row);
+        }
+    }
+}
+
+// The web root links the verbs in this list: each one is served.
+TEST(VerbsE2E, EveryDeployedVerbIsServed) {
+    std::ifstream list(VERBGW_VERB_LIST);
+    std::size_t count = 0;
+    for (std::string name; std::getline(list, name); ++count) EXPECT_EQ(run_gateway(get(name)).status, 0) << name;
+    EXPECT_EQ(count, 33u);
+}
