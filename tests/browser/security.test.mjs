@@ -16,8 +16,8 @@ import { launchChromium } from './chromium.mjs';
 import { expectDirectAnswers, form, readingVerbs } from './requests.mjs';
 
 const verbs = readFileSync(join(repo, 'deploy/verbs.txt'), 'utf8').split('\n').filter(Boolean);
-const policy = "default-src 'none'; style-src 'self'; img-src 'self'; form-action 'self'; frame-ancestors 'self'; "
-  + "base-uri 'none'";
+const policy = "default-src 'none'; style-src 'self'; img-src 'self'; form-action 'self'; frame-src 'self'; "
+  + "frame-ancestors 'self'; base-uri 'none'";
 
 // VERBGW_SERVERS=nginx (say) tries one server alone.
 const servers = (process.env.VERBGW_SERVERS ?? 'lighttpd,apache,nginx').split(',');
