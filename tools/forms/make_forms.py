@@ -580,8 +580,9 @@ def shelf_families():
     return forms
 
 
-SHELF_CHOOSER = Form('choose', 'Sub-command', [Field(
-    'select', 'command', 'Sub-command', 'the first eight only show; the others set what their form below asks for',
+SHELF_CHOOSER = Form('choose', 'Show or change', [Field(
+    'select', 'command', 'Sub-command', 'the first eight show the state of the shelf; the others change the '
+    'setting their form below asks for',
     True, SUBCOMMANDS, '00cooling_state')], [button('Show')])
 PAGES['shelf'] = page('shelf', 'Shelf Information',
                       'Shows the state of the shelf, or changes one shelf-wide setting. Choose the sub-command; '

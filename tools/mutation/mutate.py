@@ -28,6 +28,8 @@ import os
 import queue
 import random
 import re
+import resource
+import signal
 import shutil
 import subprocess
 import sys
@@ -76,10 +78,16 @@ def candidates(path):
     return found
 
 
-def run(command, cwd, timeout=600):
+def bounded():
+    """A mutant that no longer bounds the tool's answer writes pages without
+    end: a file size limit ends it (SIGXFSZ) before it fills the disk."""
+    resource.setrlimit(resource.RLIMIT_FSIZE, (64 << 20, 64 << 20))
+
+
+def run(command, cwd, timeout=600, limit=None):
     try:
         return subprocess.run(command, cwd=cwd, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
-                              timeout=timeout).returncode
+                              timeout=timeout, preexec_fn=limit).returncode
     except subprocess.TimeoutExpired:
         return 124
 
@@ -89,7 +97,7 @@ def failed_cases(command, cwd, timeout):
     the trace of a table row when it has one."""
     try:
         out = subprocess.run(command, cwd=cwd, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
-                             timeout=timeout).stdout.decode('utf-8', 'replace')
+                             timeout=timeout, preexec_fn=bounded).stdout.decode('utf-8', 'replace')
     except subprocess.TimeoutExpired:
         return {'(time limit)'}
     failed, test, lines = set(), '', out.split('\n')
@@ -159,7 +167,10 @@ class Worker:
                 target = os.path.join(self.tree, name)
                 os.makedirs(os.path.dirname(target), exist_ok=True)
                 if not os.path.exists(target) or digest(target) != digest(source):
-                    shutil.copy2(source, target)
+                    # A fresh time stamp, so that make rebuilds what a
+                    # mutant left behind in this copy.
+                    shutil.copyfile(source, target)
+                    shutil.copymode(source, target)
         subprocess.run(['cmake', '-S', self.tree, '-B', self.build, '-DCMAKE_BUILD_TYPE=Release'], check=True,
                        stdout=subprocess.DEVNULL)
         self.unit = [os.path.join(self.build, 'tests', 'unit_tests')]
@@ -190,8 +201,10 @@ def main():
     for w in workers:
         if not w.make(2):
             sys.exit('mutation: the unmutated tree does not build')
-        if run(w.unit, w.build) != 0 or run(w.e2e, w.build) != 0:  # one at a time here
-            sys.exit('mutation: the tests fail on the unmutated tree')
+        for suite in (w.unit, w.e2e):  # one at a time here
+            failed = failed_cases(suite, w.build, 300)
+            if failed:
+                sys.exit('mutation: the tests fail on the unmutated tree: ' + ', '.join(sorted(failed)))
     original = digest(os.path.join(workers[0].build, 'verbgw'))
 
     todo = queue.Queue()
@@ -212,6 +225,9 @@ def main():
                     print(f'  {n}/{len(sample)} {mutant[0]}:{mutant[1] + 1} {mutant[3]}: '
                           f'{"killed" if outcome[0] == "killed" else "SURVIVED"}', flush=True)
 
+    # Stopped from a script (SIGTERM) or at the terminal (Ctrl-C) alike.
+    signal.signal(signal.SIGTERM, signal.default_int_handler)
+    signal.signal(signal.SIGINT, signal.default_int_handler)
     started = time.time()
     threads = [threading.Thread(target=work, args=(w,)) for w in workers]
     for t in threads:
@@ -249,14 +265,14 @@ def try_mutant(w, mutant, original, matrix):
         rest, log = [f'--gtest_filter=-{LOG_TEST}'], [f'--gtest_filter={LOG_TEST}']
         if matrix:
             failed = (failed_cases(w.unit, w.build, 60) |
-                      LOG_LOCK.shared(lambda: failed_cases(w.e2e + rest, w.build, 300)) |
+                      LOG_LOCK.shared(lambda: failed_cases(w.e2e + rest, w.build, 120)) |
                       LOG_LOCK.alone(lambda: failed_cases(w.e2e + log, w.build, 60)))
             return ('killed' if failed else 'survived'), failed
         # A mutant that loops for ever is killed by the time limit.
         brief = ['--gtest_brief=1', '--gtest_fail_fast']
-        killed = (run(w.unit + brief, w.build, timeout=60) != 0 or
-                  LOG_LOCK.shared(lambda: run(w.e2e + brief + rest, w.build, timeout=300)) != 0 or
-                  LOG_LOCK.alone(lambda: run(w.e2e + brief + log, w.build, timeout=60)) != 0)
+        killed = (run(w.unit + brief, w.build, 60, bounded) != 0 or
+                  LOG_LOCK.shared(lambda: run(w.e2e + brief + rest, w.build, 120, bounded)) != 0 or
+                  LOG_LOCK.alone(lambda: run(w.e2e + brief + log, w.build, 60, bounded)) != 0)
         return ('killed' if killed else 'survived'), set()
     finally:
         with open(path, 'w') as f:
