@@ -2,7 +2,9 @@
 // input, the tool's answer and its failures, signals, the environment and
 // the log file, against the stand-in shelfctl.
 #include <gtest/gtest.h>
+#include <fcntl.h>
 #include <signal.h>
+#include <sys/wait.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -233,8 +235,10 @@ TEST(GatewayE2E, EndedByASignalItEndsAndReapsTheToolFirst) {
         SCOPED_TRACE(sig);
         gateway_request hung = get("version");
         hung.tool_mode = "hang";
-        hung.terminate_after_ms = 100;
-        hung.end_signal = sig;
+        hung.while_running = [sig](int gateway, int) {  // as a server's timeout does
+            usleep(100000);
+            kill(gateway, sig);
+        };
         gateway_result r = run_gateway(hung);
         EXPECT_EQ(r.status, 128 + sig);
         // What was copied after the flush may be lost with the process
@@ -243,6 +247,45 @@ TEST(GatewayE2E, EndedByASignalItEndsAndReapsTheToolFirst) {
         ASSERT_GT(r.tool_pid, 0);
         EXPECT_FALSE(process_alive(r.tool_pid));
     }
+}
+
+// A signal that comes after the tool was reaped must not kill the process
+// that took over the tool's pid. The gateway is held in its last write (a
+// full pipe as its output) after the reap, the pid is handed to a stand-in
+// (root sets the next pid), and then the server's SIGTERM arrives.
+TEST(GatewayE2E, ASignalAfterTheReapSparesTheToolsOldPid) {
+    int next_pid = open("/proc/sys/kernel/ns_last_pid", O_WRONLY);
+    if (next_pid < 0 || std::getenv("VERBGW_WRAPPER") || std::getenv("VERBGW_EMULATOR"))
+        GTEST_SKIP() << "needs root to set the next pid, and the gateway run directly";
+    int page[2];
+    ASSERT_EQ(pipe(page), 0);
+    fcntl(page[1], F_SETPIPE_SZ, 4096);
+    std::string filler(4096 - page_before_tool.size(), '.');  // room for the page up to the tool only
+    ASSERT_EQ(write(page[1], filler.data(), filler.size()), static_cast<ssize_t>(filler.size()));
+    gateway_request request = get("version");
+    request.out_fd = page[1];
+    pid_t heir = 0;
+    request.while_running = [&](int gateway, int tool) {
+        while (process_alive(tool)) usleep(1000);  // reaped
+        std::string before = std::to_string(tool - 1);
+        ASSERT_EQ(pwrite(next_pid, before.data(), before.size(), 0), static_cast<ssize_t>(before.size()));
+        heir = fork();
+        if (heir == 0) {
+            pause();
+            _exit(0);
+        }
+        ASSERT_EQ(heir, tool);
+        kill(gateway, SIGTERM);
+    };
+    gateway_result r = run_gateway(request);
+    close(page[0]);
+    close(page[1]);
+    close(next_pid);
+    EXPECT_EQ(r.status, 128 + SIGTERM);
+    ASSERT_GT(heir, 0);
+    EXPECT_EQ(waitpid(heir, nullptr, WNOHANG), 0) << "the tool's old pid was killed";
+    kill(heir, SIGKILL);
+    waitpid(heir, nullptr, 0);
 }
 
 TEST(GatewayE2E, TheToolGetsTheServersEnvironmentWithoutTheClients) {

@@ -111,7 +111,7 @@ gateway_result run_gateway(const gateway_request& request) {
         int out = open(out_path.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
         int err = open(err_path.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
         dup2(in, 0);
-        dup2(out, 1);
+        dup2(request.out_fd >= 0 ? request.out_fd : out, 1);
         dup2(request.merge_stderr ? out : err, 2);
         close(in);
         close(out);
@@ -130,13 +130,13 @@ gateway_result run_gateway(const gateway_request& request) {
         _exit(127);
     }
     int wait_status = 0;
-    if (request.terminate_after_ms > 0) {
-        // Wait until the tool has started (it records its pid), however
-        // slowly the gateway starts, then play the server's timeout.
+    if (request.while_running) {
+        // Once the tool has started (it records its pid), however slowly
+        // the gateway starts.
         struct stat started;
         for (int i = 0; i < 2000 && stat((record_path + ".pid").c_str(), &started) != 0; ++i) usleep(5000);
-        usleep(static_cast<useconds_t>(request.terminate_after_ms) * 1000);
-        kill(pid, request.end_signal);
+        std::string tool = slurp(record_path + ".pid");
+        request.while_running(pid, tool.empty() ? 0 : std::stoi(tool));
     }
     waitpid(pid, &wait_status, 0);
 

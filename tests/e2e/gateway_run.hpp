@@ -2,6 +2,7 @@
 // first on PATH, and collects what it wrote and what the tool received.
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -18,8 +19,9 @@ struct gateway_request {
     bool tool_on_path = true;
     int open_file_limit = 0;  // 0: unchanged
     bool no_argv0 = false;    // start with an empty argument vector
-    int terminate_after_ms = 0;  // >0: send `end_signal` this long after the tool started
-    int end_signal = 15;         // SIGTERM, as a server's timeout sends it
+    // Called once the tool has started, with the gateway's pid and the tool's.
+    std::function<void(int gateway, int tool)> while_running;
+    int out_fd = -1;             // >= 0: the gateway's standard output instead of a file
     bool short_limits = false;   // the gateway built with shortened tool limits (1 s, 1 MiB)
     std::string tool_dir;        // default: the stand-in's directory
     std::string path_first;      // a directory put on PATH before the tool's
