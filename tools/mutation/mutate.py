@@ -15,7 +15,7 @@ Each worker mutates and builds its own copy of the checkout, so the
 checkout itself is never touched and may be edited during a run.
 
 With --matrix FILE every killed mutant runs the whole suites instead, and
-FILE receives, per mutant, the test cases that failed (a table row is named
+FILE receives, one JSON line a mutant, the test cases that failed (a table row is named
 by its trace): what shows which cases earn their place.
 
     tools/mutation/mutate.py [--sample N] [--seed S] [--workers W] [--matrix FILE]
@@ -197,6 +197,8 @@ def main():
     sample = pool[:args.sample]
     print(f'mutation: {len(sample)} of {len(pool)} mutants, seed {args.seed}, {args.workers} workers', flush=True)
 
+    if args.matrix:
+        open(args.matrix, 'w').close()
     workers = [Worker(args.root, n) for n in range(args.workers)]
     for w in workers:
         if not w.make(2):
@@ -221,6 +223,11 @@ def main():
             outcome = try_mutant(w, mutant, original, args.matrix is not None)
             with lock:
                 results.append((mutant, outcome))
+                if args.matrix and outcome[0] in ('killed', 'survived'):
+                    # One line a mutant as it ends, so that a stopped run keeps what it found.
+                    with open(args.matrix, 'a') as f:
+                        f.write(json.dumps({'mutant': f'{mutant[0]}:{mutant[1] + 1} {mutant[3]}', 'line': mutant[2],
+                                            'failed': sorted(outcome[1])}) + '\n')
                 if outcome[0] in ('killed', 'survived'):
                     print(f'  {n}/{len(sample)} {mutant[0]}:{mutant[1] + 1} {mutant[3]}: '
                           f'{"killed" if outcome[0] == "killed" else "SURVIVED"}', flush=True)
@@ -237,14 +244,10 @@ def main():
             time.sleep(0.5)
     except KeyboardInterrupt:  # each worker restores its file before it stops
         stop.set()
-        print('mutation: interrupted; the figures cover the mutants run so far')
+        print('mutation: interrupted; the figures cover the mutants run so far', flush=True)
         for t in threads:
             t.join()
     report(results, originals, time.time() - started)
-    if args.matrix:
-        with open(args.matrix, 'w') as f:
-            json.dump([{'mutant': f'{m[0]}:{m[1] + 1} {m[3]}', 'line': m[2], 'failed': sorted(o[1])}
-                       for m, o in results if o[0] in ('killed', 'survived')], f, indent=1)
 
 
 def try_mutant(w, mutant, original, matrix):
