@@ -268,13 +268,13 @@ def try_mutant(w, mutant, original, matrix):
         rest, log = [f'--gtest_filter=-{LOG_TEST}'], [f'--gtest_filter={LOG_TEST}']
         if matrix:
             failed = (failed_cases(w.unit, w.build, 60) |
-                      LOG_LOCK.shared(lambda: failed_cases(w.e2e + rest, w.build, 120)) |
+                      LOG_LOCK.shared(lambda: failed_cases(w.e2e + rest, w.build, 60)) |
                       LOG_LOCK.alone(lambda: failed_cases(w.e2e + log, w.build, 60)))
             return ('killed' if failed else 'survived'), failed
         # A mutant that loops for ever is killed by the time limit.
         brief = ['--gtest_brief=1', '--gtest_fail_fast']
         killed = (run(w.unit + brief, w.build, 60, bounded) != 0 or
-                  LOG_LOCK.shared(lambda: run(w.e2e + brief + rest, w.build, 120, bounded)) != 0 or
+                  LOG_LOCK.shared(lambda: run(w.e2e + brief + rest, w.build, 60, bounded)) != 0 or
                   LOG_LOCK.alone(lambda: run(w.e2e + brief + log, w.build, 60, bounded)) != 0)
         return ('killed' if killed else 'survived'), set()
     finally:
