@@ -85,20 +85,33 @@ def bounded():
 
 
 def run(command, cwd, timeout=600, limit=None):
+    return suite(command, cwd, timeout, limit)[0]
+
+
+def suite(command, cwd, timeout, limit=None):
+    """Runs a command in a session of its own; returns its exit status
+    (124 past the time limit) and output. Whatever it leaves running (a
+    mutant's stand-in tool that never ends, say) goes with the session."""
+    process = subprocess.Popen(command, cwd=cwd, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
+                               preexec_fn=limit, start_new_session=True)
     try:
-        return subprocess.run(command, cwd=cwd, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
-                              timeout=timeout, preexec_fn=limit).returncode
+        out, _ = process.communicate(timeout=timeout)
+        status = process.returncode
     except subprocess.TimeoutExpired:
-        return 124
+        out, status = b'', 124
+    try:
+        os.killpg(process.pid, signal.SIGKILL)
+    except ProcessLookupError:
+        pass
+    process.wait()
+    return status, out.decode('utf-8', 'replace')
 
 
 def failed_cases(command, cwd, timeout):
     """Runs a whole suite; returns the names of what failed: the test, and
     the trace of a table row when it has one."""
-    try:
-        out = subprocess.run(command, cwd=cwd, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
-                             timeout=timeout, preexec_fn=bounded).stdout.decode('utf-8', 'replace')
-    except subprocess.TimeoutExpired:
+    status, out = suite(command, cwd, timeout, bounded)
+    if status == 124:
         return {'(time limit)'}
     failed, test, lines = set(), '', out.split('\n')
     for i, line in enumerate(lines):
@@ -108,7 +121,7 @@ def failed_cases(command, cwd, timeout):
             failed.add(test + ' | ' + lines[i + 1].split(': ', 1)[-1])
         elif line.startswith('[  FAILED  ] ' + test) and test:
             failed.add(test)
-    if not failed and 'FAILED' in out:
+    if not failed and status != 0:
         failed.add('(crash)')
     return failed
 
