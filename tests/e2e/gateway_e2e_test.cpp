@@ -47,7 +47,7 @@ TEST(GatewayE2E, TheInvocationNamePicksTheVerb) {
     } cases[] = {
         {"/www/cgi-bin/session.cgi", "session"}, {"/a.b/switchover", "switchover"}, {"version.x.y", "version"},
         {"sensor" + std::string(5000, '.'), "sensor"}, {"SENSOR", ""}, {"sensors", ""}, {"/cgi-bin/", ""},
-        {".sensor", ""}, {"", ""}, {"ver", ""}, {std::string(5000, 'v'), ""}, {std::string(5000, '/'), ""},
+        {".sensor", ""}, {"", ""}, {std::string(5000, 'v'), ""}, {std::string(5000, '/'), ""},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name.substr(0, 20));
@@ -80,20 +80,16 @@ TEST(GatewayE2E, EveryHostileRequestEndsInAPageOrInSilence) {
     } cases[] = {
         {"shell text stays text", "verbose=%24(id)%3B%7C%26&addr1_0=%60id%60%22'&id3_0=%3E%2Ftmp%2Fx*~root",
          "sensor $(id);|& `id`\"' >/tmp/x*~root", {}, verbose_on},
-        {"echo escapes", "addr1_0=%5Cc%5C0101%5Cx41%5C", "sensor  \\c\\0101\\x41\\ "},
-        {"metacharacters in a name", "%24(reboot)=1&addr1_0=0x82", "sensor  0x82 "},
         {"line feed", "addr1_0=%0A", line_break},
         {"carriage return", "addr1_0=a%0Db", line_break},
         {"line feed and quit", "addr1_0=0x82&id3_0=1%0Aquit%0Aboardreset+1", line_break},
         {"line break before length", "addr1_0=" + std::string(500, 'a') + "%0A", line_break},
         {"line break in an unread field", "pti_sym1_1=%0A&addr1_0=0x82", "sensor  0x82 "},
         {"escaped zero cuts the value", "addr1_0=a%00b&id3_0=2", "sensor  a 2"},
-        {"escaped zero empties the value", "addr1_0=%00&id3_0=2", "sensor   "},
         {"raw zero ends the body", std::string("addr1_0=1\0&id3_0=2", 18), "sensor  1 "},
         {"truncated escape", "addr1_0=5%", "sensor  5% "},
         {"half escape", "addr1_0=%4", "sensor  %4 "},
         {"invalid escape", "addr1_0=%zz%gg", "sensor  S\x10 "},
-        {"escaped escape", "addr1_0=%2541", "sensor  %41 "},
         {"plus and escaped plus", "addr1_0=a+b%2Bc", "sensor  a b+c "},
         {"228 characters are sent", "addr1_0=" + std::string(219, 'a'), "sensor  " + std::string(219, 'a') + " "},
         {"229 characters are not", "addr1_0=" + std::string(220, 'a'), too_long},
@@ -103,23 +99,18 @@ TEST(GatewayE2E, EveryHostileRequestEndsInAPageOrInSilence) {
         {"value of 1 MB", "addr1_0=" + big, too_long},
         {"100000 fields", repeat("a=1&", 100000) + "addr1_0=0x82", "sensor  0x82 "},
         {"100000 repeated names", repeat("addr1_0=1&", 100000) + "addr1_0=2", "sensor  2 "},
-        {"repeated names, last empty", "addr1_0=1&addr1_0=2&addr1_0=", "sensor  2 "},
         {"binary bytes", binary, "sensor   "},
         {"only separators", "&&&===&&", "sensor   "},
         {"selector with a sign", "req_type=+1&pti_sym1_1=p&id2_1=2&id3_0=3", "sensor  p 2 3"},
-        {"selector with a blank", "req_type=%201&pti_sym1_1=p&id2_1=2", "sensor  p 2 "},
-        {"selector with a tail", "req_type=1x&pti_sym1_1=p&id2_1=2", "sensor  p 2 "},
         {"selector past 32 bits", "req_type=4294967297&pti_sym1_1=p&addr1_0=20", "sensor  20 "},
         {"selector not a number", "req_type=abc&pti_sym1_1=p&addr1_0=20", "sensor  20 "},
+        {"selector after \\v\\f\\r", "req_type=%0B%0C%0D1&pti_sym1_1=p&id2_1=2", "sensor  p 2 "},
         {"length 2^31", "addr1_0=1", "", "2147483648"},
         {"length 2^32", "addr1_0=1", "", "4294967296"},
         {"length 2^32 + 9", "addr1_0=1", "", "4294967305"},
         {"length 2^64", "addr1_0=1", "", "18446744073709551616"},
-        {"length 2^64 + 9", "addr1_0=1", "", "18446744073709551625"},
         {"length far beyond", "addr1_0=1", "", std::string(400, '9')},
         {"negative length", "addr1_0=1", "", "-9"},
-        {"negative 2^32", "addr1_0=1", "", "-4294967296"},
-        {"blank length", "addr1_0=1", "", "   "},
         {"empty length", "addr1_0=1", "", ""},
         {"zero length", "addr1_0=1", "", "0"},
         {"not a number", "addr1_0=1", "", "abc"},
@@ -298,7 +289,7 @@ TEST(GatewayE2E, TheToolGetsTheServersEnvironmentWithoutTheClients) {
     for (std::string dropped : {"HTTP_", "QUERY_STRING=", "CONTENT_TYPE=", "CONTENT_LENGTH=", "PATH_INFO=",
                                 "PATH_TRANSLATED=", "REQUEST_URI=", "REQUEST_METHOD="})
         EXPECT_EQ(lines.find("\n" + dropped), std::string::npos) << dropped;
-    for (std::string kept : {"PATH=", "SHELFSIM_STATE=/s\n", "HTTPS=on\n", "STUB_MODE=read\n"})
+    for (std::string kept : {"ARGV0=shelfctl\n", "PATH=", "SHELFSIM_STATE=/s\n", "HTTPS=on\n", "STUB_MODE=read\n"})
         EXPECT_NE(lines.find("\n" + kept), std::string::npos) << kept;
 }
 

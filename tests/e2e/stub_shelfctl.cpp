@@ -3,7 +3,7 @@
 //   STUB_RECORD  file that receives everything read from standard input
 //                (created even when nothing is read, to show the tool ran);
 //                beside it <file>.pid gets the tool's pid and <file>.env
-//                its environment, one entry a line
+//                its name (ARGV0=...) and environment, one entry a line
 //   STUB_OUTPUT  the output to print; default: a banner, a prompt, the line
 //                "ran <first input line>" and the next prompt
 //   STUB_MODE    read (default): read all input, then print
@@ -50,13 +50,13 @@ void spill(const std::string& path, const std::string& text) {
 
 }  // namespace
 
-int main() {
+int main(int, char** argv) {
     const char* record_path = std::getenv("STUB_RECORD");
     const char* output = std::getenv("STUB_OUTPUT");
     std::string mode = std::getenv("STUB_MODE") ? std::getenv("STUB_MODE") : "read";
     int record = record_path ? open(record_path, O_WRONLY | O_CREAT | O_TRUNC, 0600) : -1;
     if (record_path) {
-        std::string environment;
+        std::string environment = std::string("ARGV0=") + argv[0] + "\n";
         for (char** entry = environ; *entry != nullptr; ++entry) environment += std::string(*entry) + "\n";
         spill(std::string(record_path) + ".env", environment);
         spill(std::string(record_path) + ".pid", std::to_string(getpid()));

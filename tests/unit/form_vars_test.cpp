@@ -50,22 +50,9 @@ TEST(DecodeFormBody, SplitsAndDecodes) {
         {"%3D=%26", {{"=", "&"}}},
         {"x=$(reboot)%0A`id`", {{"x", "$(reboot)\n`id`"}}},
         {"verbose=x&addr1_0", {{"verbose", "x"}, {"addr1_0", ""}}},  // no "=" after another field
+        {std::string("a=%\x01") + "1b", {{"a", "\x11" "b"}}},  // a control character is a digit too
     };
     for (const auto& c : cases) EXPECT_EQ(decode(c.body), c.expected) << c.body;
-}
-
-TEST(HexPairValue, FollowsTheDigitRule) {
-    struct {
-        char high, low;
-        int value;
-    } cases[] = {
-        {'7', 'e', 0x7e}, {'7', 'E', 0x7e}, {'0', '0', 0}, {'F', 'F', 255}, {'f', 'f', 255},
-        {'z', 'z', 83}, {'g', 'g', 16}, {'G', '1', 1}, {'2', 'B', '+'}, {'\x7f', '0', 0x80},
-        {'\x80', '0', 0x00}, {' ', ' ', 0xF0},
-    };
-    for (const auto& c : cases)
-        EXPECT_EQ(hex_pair_value(static_cast<unsigned char>(c.high), static_cast<unsigned char>(c.low)), c.value)
-            << c.high << c.low;
 }
 
 TEST(ParseContentLength, RefusesWhatCanNeverBeRead) {

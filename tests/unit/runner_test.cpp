@@ -35,24 +35,6 @@ std::vector<std::string> pieces_of(const std::string& output) {
 
 }  // namespace
 
-TEST(OutputFilter, KeepsTheAnswerBetweenTheFirstTwoPrompts) {
-    struct {
-        std::vector<std::string> lines;
-        std::string page;
-    } cases[] = {
-        {{"banner\n", "CLI> \n", "line a\n", "line b\n", "CLI> \n", "after\n"}, "line a\nline b\n"},
-        {{"CLI> \n", "can't interact with shelf manager\n", "more\n"}, std::string(cant_interact_message)},
-        {{"CLI> \n", "x\n", "Last item obtained.\n", "y\n"}, "x\n"},
-        {{"can't interact with x\n", "CLI> \n", "a\n"}, "a\n"},
-        {{"banner\n", "no prompt\n"}, ""},
-        {{"CLI>\n", "<b>&amp;\n"}, "<b>&amp;\n"},
-        {{"CLI> \n", "a\n"}, "a\n"},
-        {{"CLI\n", "a\n", "CLI>x\n", "b\n", "CLI> \n"}, "b\n"},
-        {{"CLI> \n", "Can't interact with\n", "cli> \n", "Last item\n", "CLI>"}, "Can't interact with\ncli> \nLast item\n"},
-    };
-    for (const auto& c : cases) EXPECT_EQ(filtered(c.lines), c.page);
-}
-
 TEST(PieceReader, CutsLinesAt254Bytes) {
     std::string long_line(300, 'x');
     struct {
@@ -74,29 +56,6 @@ TEST(PieceReader, CutsLinesAt254Bytes) {
     EXPECT_EQ(filtered(lines), std::string(254, 'x'));
 }
 
-TEST(CommandRefusal, LineBreaksFirstThenLength) {
-    struct {
-        std::vector<std::string> pieces;
-        std::string_view refusal;
-    } cases[] = {
-        {{"version"}, ""},
-        {{std::string(228, 'a')}, ""},
-        {{std::string(229, 'a')}, "The command is too long to send<BR>"},
-        {{std::string(5000, 'a')}, "The command is too long to send<BR>"},
-        {{"a\nb"}, "A value may not contain a line break<BR>"},
-        {{"a\rb"}, "A value may not contain a line break<BR>"},
-        {{std::string(300, 'a') + "\n"}, "A value may not contain a line break<BR>"},
-        {{std::string(2000, 'a'), "\n"}, "A value may not contain a line break<BR>"},
-        {{"$(reboot) `id` \"'\\n;|&"}, ""},
-    };
-    for (const auto& c : cases) {
-        command_text command;
-        for (const std::string& piece : c.pieces) command.append(piece);
-        EXPECT_EQ(command_refusal(command), c.refusal);
-        EXPECT_LE(command.view().size(), 1023u);
-    }
-}
-
 TEST(ToolEnvironment, DropsWhatTheClientChoseAndKeepsTheServersSettings) {
     std::vector<std::string> entries = {
         "PATH=/opt/shelf/bin:/usr/bin", "HTTP_USER_AGENT=$(id)", "SHELFSIM_STATE=/tmp/s", "QUERY_STRING=a=1",
@@ -112,4 +71,11 @@ TEST(ToolEnvironment, DropsWhatTheClientChoseAndKeepsTheServersSettings) {
                                               "SERVER_NAME=shelf", "REQUEST_METHODS=kept", "REMOTE_USER=operator",
                                               "X=HTTP_Y"}));
     EXPECT_EQ(env[7], nullptr);
+}
+
+// The silence limit ends a hung tool before a server's timeout (45 s in the
+// shipped configurations) ends the gateway with it.
+TEST(ToolLimits, AreThirtySecondsOfSilenceAndSixteenMiB) {
+    EXPECT_EQ(tool_limits_in_force.silence_seconds, 30);
+    EXPECT_EQ(tool_limits_in_force.max_output_mib, 16u);
 }
