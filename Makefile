@@ -96,11 +96,14 @@ loadtest: bootstrap build
 	@node tests/load/loadtest.mjs
 
 # How many one-change faults in src/ the unit and end-to-end tests catch
-# (MUTANTS of them, 300 by default; SEED picks which). Not part of make test.
+# (MUTANTS of them, 300 by default; SEED picks which; WORKERS side by side,
+# each in its own copy of the checkout). MATRIX=file also records which
+# cases each mutant fails. Not part of make test.
 MUTANTS ?= 300
 SEED ?= 1
+WORKERS ?= 2
 mutation: bootstrap
-	@tools/mutation/mutate.py --sample $(MUTANTS) --seed $(SEED)
+	@tools/mutation/mutate.py --sample $(MUTANTS) --seed $(SEED) --workers $(WORKERS) $(if $(MATRIX),--matrix $(MATRIX))
 
 # The two commands on a fresh Debian root (needs root, several GiB and
 # many minutes; by hand only).
