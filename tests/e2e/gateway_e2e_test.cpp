@@ -258,14 +258,17 @@ TEST(GatewayE2E, ASignalAfterTheReapSparesTheToolsOldPid) {
     pid_t heir = 0;
     request.while_running = [&](int gateway, int tool) {
         while (process_alive(tool)) usleep(1000);  // reaped
+        // Another process may take the pid first; try again.
         std::string before = std::to_string(tool - 1);
-        ASSERT_EQ(pwrite(next_pid, before.data(), before.size(), 0), static_cast<ssize_t>(before.size()));
-        heir = fork();
-        if (heir == 0) {
-            pause();
-            _exit(0);
+        for (int tries = 0; tries < 50 && heir != tool; ++tries) {
+            if (heir > 0) kill(heir, SIGKILL), waitpid(heir, nullptr, 0);
+            if (pwrite(next_pid, before.data(), before.size(), 0) != static_cast<ssize_t>(before.size())) break;
+            heir = fork();
+            if (heir == 0) {
+                pause();
+                _exit(0);
+            }
         }
-        ASSERT_EQ(heir, tool);
         kill(gateway, SIGTERM);
     };
     gateway_result r = run_gateway(request);
@@ -274,9 +277,11 @@ TEST(GatewayE2E, ASignalAfterTheReapSparesTheToolsOldPid) {
     close(next_pid);
     EXPECT_EQ(r.status, 128 + SIGTERM);
     ASSERT_GT(heir, 0);
-    EXPECT_EQ(waitpid(heir, nullptr, WNOHANG), 0) << "the tool's old pid was killed";
+    bool handed_over = heir == r.tool_pid;
+    EXPECT_TRUE(!handed_over || waitpid(heir, nullptr, WNOHANG) == 0) << "the tool's old pid was killed";
     kill(heir, SIGKILL);
     waitpid(heir, nullptr, 0);
+    if (!handed_over) GTEST_SKIP() << "other processes kept taking the tool's pid";
 }
 
 TEST(GatewayE2E, TheToolGetsTheServersEnvironmentWithoutTheClients) {
