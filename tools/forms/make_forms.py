@@ -13,7 +13,6 @@ answer shown in the named frame beside the forms. No script anywhere.
     tools/forms/make_forms.py           write the pages
     tools/forms/make_forms.py --check   exit 1 when a page differs from what would be written
 """
-import html
 import os
 import sys
 
@@ -79,9 +78,9 @@ def sensor(name, required):
     return Field('number', name, 'Sensor number', hint, required, attrs=' min="0" max="255"')
 
 
-def slot(name, required=True, hint=''):
-    return Field('number', name, 'Slot number', hint or f'physical slot of the board, 1 or more; {BOARDS}',
-                 required, attrs=' min="1" max="255"')
+def slot(name):
+    return Field('number', name, 'Slot number', f'physical slot of the board, 1 or more; {BOARDS}', True,
+                 attrs=' min="1" max="255"')
 
 
 def verbose():
@@ -93,8 +92,8 @@ def confirm(text):
 
 
 class Form:
-    """One <form>: a heading, fields and buttons; `changes` adds the
-    confirmation that its main button needs."""
+    """One <form>: a heading, its fields and buttons, posting to the page's
+    verb unless `verb` names another."""
 
     def __init__(self, key, heading, fields, buttons, verb=None, note='', cls='unit'):
         self.key, self.heading, self.fields, self.buttons, self.verb, self.note, self.cls = (
@@ -125,7 +124,7 @@ def form_html(verb, f):
     return '\n'.join(parts)
 
 
-def page(verb, title, intro, forms, extra='', wide=False):
+def page(verb, title, intro, forms):
     lists = ''
     if BOARDS in ''.join(field.hint for f in forms for field in f.fields):
         lists = ('\n<form id="list-boards" method="POST" action="/cgi-bin/board" target="answer">'
@@ -142,11 +141,11 @@ def page(verb, title, intro, forms, extra='', wide=False):
 </head>
 <body>
 <header class="top"><a href="index.html">Corvane&#8482; Shelf Manager</a></header>
-<div class="page{' wide' if wide else ''}">
+<div class="page">
 <main>
 <h1>{title}</h1>
 <p class="intro">{intro}</p>
-{extra}{body}{lists}
+{body}{lists}
 <p class="back"><a href="index.html">Back to the index</a></p>
 </main>
 <aside class="answer" aria-labelledby="answer-heading">
@@ -159,9 +158,21 @@ def page(verb, title, intro, forms, extra='', wide=False):
 '''
 
 
-# Ways of naming a unit: (key, heading, req_type or None, fields of that way).
-def by_address(addr='addr1_0', fid='id2_0', fid_required=True, fid_empty=''):
-    return [address(addr), fru_id(fid, fid_required, fid_empty)]
+# The two usual ways of naming a unit: its IPMB address and FRU device ID,
+# or its unit name and FRU device ID (req_type 1).
+def by_address():
+    return [address('addr1_0'), fru_id('id2_0')]
+
+
+def by_name():
+    return [hidden('req_type', 1), unit_name('pti_sym1_1'), fru_id('id2_1')]
+
+
+def two_ways(extra, buttons, address_unit=None):
+    """The address form and the unit-name form of a page, each followed by
+    the same fields and buttons."""
+    return [Form('address', 'By IPMB address', (address_unit or by_address()) + extra, buttons),
+            Form('name', 'By unit name', by_name() + extra, buttons)]
 
 
 THRESHOLDS = [('lnr', 'lnr: Lower Non-Recoverable'), ('lcr', 'lcr: Lower Critical'),
@@ -187,23 +198,14 @@ PEF_READ = [('0', '0: all parameters'), ('1', '1: PEF control'), ('2', '2: PEF a
 
 def reading_sensor_page(verb, title, intro, read_what):
     """sensor, sensordata, getthreshold, gethysteresis: the same two ways."""
-    return page(verb, title, intro, [
-        Form('address', 'By IPMB address', [address('addr1_0'), sensor('id3_0', False), verbose()],
-             [button(read_what)]),
-        Form('name', 'By unit name', [hidden('req_type', 1), unit_name('pti_sym1_1'), fru_id('id2_1'),
-                                      sensor('id3_0', False), verbose()], [button(read_what)]),
-    ])
+    return page(verb, title, intro,
+                two_ways([sensor('id3_0', False), verbose()], [button(read_what)], [address('addr1_0')]))
 
 
 def set_sensor_page(verb, reader, title, intro, what, extra_fields, label):
-    def fields(unit):
-        return unit + [sensor('id3_0', True)] + extra_fields + [verbose(), confirm(f'Yes, set this {what}')]
+    fields = [sensor('id3_0', True)] + extra_fields + [verbose(), confirm(f'Yes, set this {what}')]
     buttons = [button(label), button('Read back', action=reader, reads=True)]
-    return page(verb, title, intro, [
-        Form('address', 'By IPMB address', fields([address('addr1_0')]), buttons),
-        Form('name', 'By unit name', fields([hidden('req_type', 1), unit_name('pti_sym1_1'), fru_id('id2_1')]),
-             buttons),
-    ])
+    return page(verb, title, intro, two_ways(fields, buttons, [address('addr1_0')]))
 
 
 def fixed_page(verb, title, intro, label, changes=''):
@@ -268,11 +270,8 @@ def event_masks():
 
 PAGES['getsensoreventenable'] = page(
     'getsensoreventenable', 'Get Sensor Event Enable Mask',
-    'Shows which events the sensors of an IPM controller may generate.', [
-        Form('address', 'By IPMB address', [address('addr1_0'), sensor('id3_0', False)], [button('Show the masks')]),
-        Form('name', 'By unit name', [hidden('req_type', 1), unit_name('pti_sym1_1'), fru_id('id2_1'),
-                                      sensor('id3_0', False)], [button('Show the masks')]),
-    ])
+    'Shows which events the sensors of an IPM controller may generate.',
+    two_ways([sensor('id3_0', False)], [button('Show the masks')], [address('addr1_0')]))
 PAGES['setsensoreventenable'] = page(
     'setsensoreventenable', 'Set Sensor Event Enable Mask', 'Sets which events a sensor may generate.', [
         Form('address', 'By IPMB address',
@@ -320,7 +319,7 @@ PAGES['frudata'] = page('frudata', 'FRU Data', 'Reads the raw FRU data of a FRU,
     Form('read', 'Read by IPMB address', by_address() + [
         Field('text', 'offset', 'Offset', 'first byte to show, such as 0x10 or 16; empty: from the start',
               attrs=' maxlength="8" autocomplete="off"')], [button('Read')]),
-    Form('read-name', 'Read by unit name', [hidden('req_type', 1), unit_name('pti_sym1_1'), fru_id('id2_1'),
+    Form('read-name', 'Read by unit name', by_name() + [
          Field('text', 'offset', 'Offset', 'first byte to show; empty: from the start',
                attrs=' maxlength="8" autocomplete="off"')], [button('Read')]),
     Form('write', 'Write by IPMB address', by_address() + [
@@ -331,18 +330,15 @@ PAGES['frudata'] = page('frudata', 'FRU Data', 'Reads the raw FRU data of a FRU,
         confirm('Yes, write these bytes')], [button('Write')]),
 ])
 
-PAGES['fruinfo'] = page('fruinfo', 'FRU Information (detailed)', 'Shows the FRU information record of a FRU.', [
-    Form('address', 'By IPMB address', by_address() + [verbose(),
-         Field('check', 'dump', 'Dump the raw data too (-d)', value='-d')], [button('Show')]),
-    Form('name', 'By unit name', [hidden('req_type', 1), unit_name('pti_sym1_1'), fru_id('id2_1'), verbose(),
-         Field('check', 'dump', 'Dump the raw data too (-d)', value='-d')], [button('Show')]),
-])
+PAGES['fruinfo'] = page('fruinfo', 'FRU Information (detailed)', 'Shows the FRU information record of a FRU.',
+                        two_ways([verbose(), Field('check', 'dump', 'Dump the raw data too (-d)', value='-d')],
+                                 [button('Show')]))
 
 PAGES['getfruledstate'] = page('getfruledstate', 'Get FRU LED State', 'Shows the state of the LEDs of FRUs.', [
     Form('address', 'By IPMB address', [address('addr1_0'), fru_id('id2_2', False, 'empty: every FRU and LED'),
          Field('select', 'id2_3', 'LED', 'needs a FRU device ID', False, [('', 'every LED')] + LEDS, ''), verbose()],
          [button('Show LEDs')]),
-    Form('name', 'By unit name', [hidden('req_type', 1), unit_name('pti_sym1_1'), fru_id('id2_1'),
+    Form('name', 'By unit name', by_name() + [
          Field('select', 'id2_3', 'LED', '', False, [('', 'every LED')] + LEDS, ''), verbose()],
          [button('Show LEDs')]),
 ])
@@ -361,9 +357,7 @@ def led_fields():
 
 
 PAGES['setfruledstate'] = page('setfruledstate', 'Set FRU LED State', 'Sets the state of one LED of a FRU, or of all its LEDs.', [
-    Form('address', 'By IPMB address', [address('addr1_0'), fru_id('id3_0')] + led_fields(), [button('Set the LED')]),
-    Form('name', 'By unit name', [hidden('req_type', 1), unit_name('pti_sym1_1'), fru_id('id2_1')] + led_fields(),
-         [button('Set the LED')]),
+    *two_ways(led_fields(), [button('Set the LED')], [address('addr1_0'), fru_id('id3_0')]),
     Form('read', 'Read back', [address('addr1_0'), fru_id('id2_2')], [button('Show the LEDs')], verb='getfruledstate'),
 ])
 
@@ -380,9 +374,7 @@ PAGES['reset'] = page('reset', 'Reset Board', 'Resets the board in a slot. The b
 PAGES['ipmc'] = page('ipmc', 'IPM Controller Information',
                      'Shows the IPM controllers of the shelf: their addresses, unit names, sites and states.', [
     Form('all', 'Every controller', [verbose()], [button('List every controller')]),
-    Form('address', 'By IPMB address', [address('addr1_0'), verbose()], [button('Show the controller')]),
-    Form('name', 'By unit name', [hidden('req_type', 1), unit_name('pti_sym1_1'), fru_id('id2_1'), verbose()],
-         [button('Show the controller')]),
+    *two_ways([verbose()], [button('Show the controller')], [address('addr1_0')]),
 ])
 
 ACTIONS = [('activate', 'activate: bring the FRU into service (M4)'),
@@ -399,7 +391,7 @@ PAGES['activate'] = page('activate', 'FRU Activate / Deactivate',
                          'Activates or deactivates a FRU, or sets or clears its locked bit.', [
     Form('address', 'By IPMB address', by_address() + action_fields(),
          [button('Apply'), button('Show the FRU', action='fru', reads=True)]),
-    Form('name', 'By unit name', [hidden('req_type', 1), unit_name('pti_sym1_1'), fru_id('id2_1')] + action_fields(),
+    Form('name', 'By unit name', by_name() + action_fields(),
          [button('Apply'), button('Show the controller', action='ipmc', reads=True)]),
 ])
 
@@ -410,21 +402,13 @@ def level():
 
 PAGES['fans'] = page('fans', 'Fan Information', 'Shows the fan trays: their levels and speeds.', [
     Form('all', 'Every fan tray', [], [button('List every fan tray')]),
-    Form('address', 'By IPMB address', by_address(), [button('Show the fan tray')]),
-    Form('name', 'By unit name', [hidden('req_type', 1), unit_name('pti_sym1_1'), fru_id('id2_1')],
-         [button('Show the fan tray')]),
+    *two_ways([], [button('Show the fan tray')]),
 ])
-PAGES['getfanlevel'] = page('getfanlevel', 'Get Fan Level', 'Shows the level of a fan tray.', [
-    Form('address', 'By IPMB address', by_address() + [verbose()], [button('Show the level')]),
-    Form('name', 'By unit name', [hidden('req_type', 1), unit_name('pti_sym1_1'), fru_id('id2_1'), verbose()],
-         [button('Show the level')]),
-])
+PAGES['getfanlevel'] = page('getfanlevel', 'Get Fan Level', 'Shows the level of a fan tray.',
+                            two_ways([verbose()], [button('Show the level')]))
 PAGES['setfanlevel'] = page('setfanlevel', 'Set Fan Level', 'Sets the level of one fan tray, or of every fan tray.', [
-    Form('address', 'By IPMB address', by_address() + [level(), verbose(), confirm('Yes, set this level')],
-         [button('Set the level'), button('Read back', action='getfanlevel', reads=True)]),
-    Form('name', 'By unit name', [hidden('req_type', 1), unit_name('pti_sym1_1'), fru_id('id2_1'), level(), verbose(),
-                                  confirm('Yes, set this level')],
-         [button('Set the level'), button('Read back', action='getfanlevel', reads=True)]),
+    *two_ways([level(), verbose(), confirm('Yes, set this level')],
+              [button('Set the level'), button('Read back', action='getfanlevel', reads=True)]),
     Form('all', 'Every fan tray', [hidden('req_type', 2), level(), verbose(), confirm('Yes, set every fan tray')],
          [button('Set every fan tray'), button('Show the fan trays', action='fans', reads=True)]),
 ])
@@ -586,7 +570,7 @@ SHELF_CHOOSER = Form('choose', 'Show or change', [Field(
     True, SUBCOMMANDS, '00cooling_state')], [button('Show')])
 PAGES['shelf'] = page('shelf', 'Shelf Information',
                       'Shows the state of the shelf, or changes one shelf-wide setting. Choose the sub-command; '
-                      'its form appears below.', [SHELF_CHOOSER] + shelf_families(), wide=False)
+                      'its form appears below.', [SHELF_CHOOSER] + shelf_families())
 
 
 ANSWER = """<!DOCTYPE html>
