@@ -8,8 +8,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <filesystem>
 #include <fstream>
-#include <sstream>
+#include <functional>
 
 #include "gateway_run.hpp"
 
@@ -29,10 +30,9 @@ std::string repeat(const std::string& piece, std::size_t times) {
     return text;
 }
 
-std::string read_log() {
-    std::ostringstream text;
-    text << std::ifstream(log_path, std::ios::binary).rdbuf();
-    return text.str();
+std::string read_log(const char* path = log_path) {
+    std::ifstream in(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), {}};
 }
 
 // The page as far as it stands when the tool starts: flushed before it.
@@ -298,26 +298,60 @@ TEST(GatewayE2E, TheToolGetsTheServersEnvironmentWithoutTheClients) {
         EXPECT_NE(lines.find("\n" + kept), std::string::npos) << kept;
 }
 
-TEST(GatewayE2E, TheLogHoldsTheRawInvocationAtOffsetZero) {
-    unlink(log_path);
-    run_gateway(get("/www/cgi-bin/sensor.cgi"));
-    EXPECT_EQ(read_log(), "/www/cgi-bin/sensor.cgi");
-    struct stat info;
-    ASSERT_EQ(stat(log_path, &info), 0);
-    EXPECT_EQ(info.st_mode & 0777, 0640u);
+// The log at its fixed path, against what a local user can plant there:
+// the raw invocation goes at offset 0 of a plain file of its own, never
+// through a link, into a directory, a second name of another file or a
+// FIFO, and the page is served either way.
+TEST(GatewayE2E, TheLogTakesTheRawInvocationOnlyInAPlainFileOfItsOwn) {
+    const std::string victim = "/var/tmp/verbgw-victim";
+    int holder = -1;
+    const auto fill_log = [](std::string text) { return [text] { std::ofstream(log_path) << text; }; };
     const struct {
-        std::string before, argv0, after;
-        bool no_argv0;
+        std::string what, argv0;
+        std::function<void()> plant;
+        std::string log;  // "-": not written, and the victim, if any, unchanged
+        bool no_argv0 = false;
     } cases[] = {
-        {"getthreshold", "fru", "fruthreshold", false},
-        {"kept", "", "kept", true},
-        {"kept", "", "kept", false},
+        {"absent: created", "/www/cgi-bin/sensor.cgi", [] {}, "/www/cgi-bin/sensor.cgi"},
+        {"longer content stays behind", "fru", fill_log("getthreshold"), "fruthreshold"},
+        {"an empty name is not written", "", fill_log("kept"), "kept"},
+        {"nor a missing one", "", fill_log("kept"), "kept", true},
+        {"link to a file", "fru", [&] {
+             std::ofstream(victim) << "secret";
+             symlink(victim.c_str(), log_path);
+         }, "-"},
+        {"dangling link", "fru", [&] { symlink(victim.c_str(), log_path); }, "-"},
+        {"directory", "fru", [] { mkdir(log_path, 0700); }, "-"},
+        {"hard link to another file", "fru", [&] {
+             std::ofstream(victim) << "secret";
+             link(victim.c_str(), log_path);
+         }, "-"},
+        {"FIFO held open", "fru", [&] {
+             mkfifo(log_path, 0666);
+             holder = open(log_path, O_RDWR | O_NONBLOCK);
+         }, "-"},
     };
     for (const auto& c : cases) {
-        std::ofstream(log_path, std::ios::binary) << c.before;
+        SCOPED_TRACE(c.what);
+        std::filesystem::remove_all(log_path);
+        std::filesystem::remove(victim);
+        c.plant();
+        bool victim_planted = std::filesystem::exists(victim);
         gateway_request request = get(c.argv0);
         request.no_argv0 = c.no_argv0;
-        run_gateway(request);
-        EXPECT_EQ(read_log(), c.after) << c.argv0;
+        EXPECT_TRUE(run_gateway(request).out.ends_with("</BODY></HTML>"));
+        EXPECT_EQ(c.log == "-" ? "-" : read_log(), c.log);
+        EXPECT_EQ(std::filesystem::exists(victim) ? read_log(victim.c_str()) : "(none)",
+                  victim_planted ? "secret" : "(none)");
+        using std::filesystem::perms;
+        EXPECT_TRUE(c.what != "absent: created" || std::filesystem::status(log_path).permissions() == perms(0640));
+        if (holder >= 0) {  // whoever holds a FIFO there reads nothing
+            char got[64];
+            EXPECT_LT(read(holder, got, sizeof got), 0);
+            close(holder);
+            holder = -1;
+        }
     }
+    std::filesystem::remove_all(log_path);
+    std::filesystem::remove(victim);
 }

@@ -2,16 +2,13 @@
 
 #include <fcntl.h>
 #include <signal.h>
-#include <stdlib.h>
 #include <sys/resource.h>
-#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdio>
 #include <cstdlib>
-#include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <sstream>
 
@@ -24,23 +21,20 @@ std::string env_or(const char* name, const char* fallback) {
 
 std::string slurp(const std::string& path) {
     std::ifstream in(path, std::ios::binary);
-    std::ostringstream text;
-    text << in.rdbuf();
-    return text.str();
+    return {std::istreambuf_iterator<char>(in), {}};
 }
 
-void spill(const std::string& path, const std::string& text) {
-    std::ofstream(path, std::ios::binary) << text;
+void append_words(std::vector<std::string>& args, const std::string& text) {
+    std::istringstream words(text);
+    for (std::string word; words >> word;) args.push_back(word);
 }
 
 }  // namespace
 
 gateway_result run_gateway(const gateway_request& request) {
     char dir_template[] = "/tmp/verbgw-e2e-XXXXXX";
-    std::string dir = mkdtemp(dir_template);
-    std::string body_path = dir + "/body", out_path = dir + "/out", err_path = dir + "/err",
-                record_path = dir + "/tool_input";
-    spill(body_path, request.body);
+    std::string dir = mkdtemp(dir_template), record = dir + "/tool_input", links = dir + "/links";
+    std::ofstream(dir + "/body", std::ios::binary) << request.body;
 
     std::string binary = request.short_limits ? env_or("VERBGW_SHORT_LIMITS_BINARY", VERBGW_SHORT_LIMITS_BINARY)
                                               : env_or("VERBGW_BINARY", VERBGW_DEFAULT_BINARY);
@@ -49,46 +43,37 @@ gateway_result run_gateway(const gateway_request& request) {
     // VERBGW_EMULATOR (for a cross-built gateway) holds the emulator's
     // command; "-0 <name>" passes the invocation name through it.
     std::string emulator = env_or("VERBGW_EMULATOR", "");
-
     // VERBGW_WRAPPER (a checker such as valgrind) runs the gateway found on
     // PATH through a link named as the invocation, so the name reaches it.
-    std::string wrapper = env_or("VERBGW_WRAPPER", "");
-    std::string link_dir = dir + "/links";
-
-    std::vector<std::string> args;
-    std::string path_prefix = request.path_first.empty() ? std::string() : request.path_first + ":";
-    if (request.tool_on_path) path_prefix += stub_dir + ":";
     // Names a link cannot carry (paths, empty, over-long) run unwrapped, and
     // so does a gateway without room for the checker's own files.
+    std::string wrapper = env_or("VERBGW_WRAPPER", "");
     if (request.no_argv0 || request.argv0.empty() || request.argv0.size() > 200 ||
         request.argv0.find('/') != std::string::npos || request.open_file_limit > 0)
         wrapper.clear();
+
+    std::vector<std::string> args;
+    std::string path = request.path_first.empty() ? "" : request.path_first + ":";
+    if (request.tool_on_path) path += stub_dir + ":";
     if (!wrapper.empty()) {
-        mkdir(link_dir.c_str(), 0700);
-        symlink(binary.c_str(), (link_dir + "/" + request.argv0).c_str());
-        std::istringstream words(wrapper);
-        for (std::string word; words >> word;) args.push_back(word);
+        std::filesystem::create_directory(links);
+        std::filesystem::create_symlink(binary, links + "/" + request.argv0);
+        append_words(args, wrapper);
         args.push_back(request.argv0);
-        path_prefix += link_dir + ":";
+        path += links + ":";
     } else if (!emulator.empty()) {
-        std::istringstream words(emulator);
-        for (std::string word; words >> word;) args.push_back(word);
-        args.push_back("-0");
-        args.push_back(request.no_argv0 ? "" : request.argv0);
-        args.push_back(binary);
+        append_words(args, emulator);
+        args.insert(args.end(), {"-0", request.no_argv0 ? "" : request.argv0, binary});
     } else if (!request.no_argv0) {
         args.push_back(request.argv0);
     }
 
-    std::vector<std::string> env = {
-        "PATH=" + path_prefix + "/usr/bin:/bin",
-        "STUB_RECORD=" + record_path,
-        "STUB_MODE=" + request.tool_mode,
-    };
+    std::vector<std::string> env = {"PATH=" + path + "/usr/bin:/bin", "STUB_RECORD=" + record,
+                                     "STUB_MODE=" + request.tool_mode};
     if (request.method) env.push_back("REQUEST_METHOD=" + *request.method);
     if (request.content_length) {
         env.push_back("CONTENT_LENGTH=" + *request.content_length);
-    } else if (request.method == std::optional<std::string>("POST") && !request.content_length_unset) {
+    } else if (request.method == "POST" && !request.content_length_unset) {
         env.push_back("CONTENT_LENGTH=" + std::to_string(request.body.size()));
     }
     if (request.tool_output) env.push_back("STUB_OUTPUT=" + *request.tool_output);
@@ -96,69 +81,54 @@ gateway_result run_gateway(const gateway_request& request) {
     for (const char* pass : {"ASAN_OPTIONS", "UBSAN_OPTIONS", "QEMU_LD_PREFIX"}) {
         if (const char* value = std::getenv(pass)) env.push_back(std::string(pass) + "=" + value);
     }
-
     std::vector<char*> argv, envp;
     for (std::string& arg : args) argv.push_back(arg.data());
-    argv.push_back(nullptr);
     for (std::string& var : env) envp.push_back(var.data());
+    argv.push_back(nullptr);
     envp.push_back(nullptr);
-    bool search = !emulator.empty() || !wrapper.empty();
-    std::string program = search ? args[0] : binary;
+    bool slow = !emulator.empty() || !wrapper.empty();  // found on PATH, and given longer to end
 
     pid_t pid = fork();
     if (pid == 0) {
-        int in = open(body_path.c_str(), O_RDONLY);
-        int out = open(out_path.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-        int err = open(err_path.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+        int in = open((dir + "/body").c_str(), O_RDONLY);
+        int out = open((dir + "/out").c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+        int err = open((dir + "/err").c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
         dup2(in, 0);
         dup2(request.out_fd >= 0 ? request.out_fd : out, 1);
         dup2(request.merge_stderr ? out : err, 2);
-        close(in);
-        close(out);
-        close(err);
         close_range(3, ~0u, 0);  // the gateway starts with the standard streams only
         if (request.open_file_limit > 0) {
             rlimit limit{static_cast<rlim_t>(request.open_file_limit),
                          static_cast<rlim_t>(request.open_file_limit)};
             setrlimit(RLIMIT_NOFILE, &limit);
         }
-        if (search) {
-            execvpe(program.c_str(), argv.data(), envp.data());
-        } else {
-            execve(program.c_str(), argv.data(), envp.data());
-        }
+        if (slow) execvpe(args[0].c_str(), argv.data(), envp.data());
+        else execve(binary.c_str(), argv.data(), envp.data());
         _exit(127);
     }
-    int wait_status = 0;
     if (request.while_running) {
         // Once the tool has started (it records its pid), however slowly
         // the gateway starts.
-        struct stat started;
-        for (int i = 0; i < 2000 && stat((record_path + ".pid").c_str(), &started) != 0; ++i) usleep(5000);
-        std::string tool = slurp(record_path + ".pid");
+        for (int i = 0; i < 2000 && !std::filesystem::exists(record + ".pid"); ++i) usleep(5000);
+        std::string tool = slurp(record + ".pid");
         request.while_running(pid, tool.empty() ? 0 : std::stoi(tool));
     }
     // A gateway that never ends fails its case instead of the whole suite.
-    bool slow = !wrapper.empty() || !emulator.empty();
+    int wait_status = 0;
     for (int waited_ms = 0; waitpid(pid, &wait_status, WNOHANG) == 0; ++waited_ms) {
         if (waited_ms == (slow ? 60000 : 10000)) kill(pid, SIGKILL);
         usleep(1000);
     }
 
     gateway_result result;
-    result.out = slurp(out_path);
-    result.err = slurp(err_path);
+    result.out = slurp(dir + "/out");
+    result.err = slurp(dir + "/err");
     result.status = WIFEXITED(wait_status) ? WEXITSTATUS(wait_status) : 128 + WTERMSIG(wait_status);
-    struct stat record;
-    if (stat(record_path.c_str(), &record) == 0) result.tool_input = slurp(record_path);
-    result.tool_env = slurp(record_path + ".env");
-    std::string pid_text = slurp(record_path + ".pid");
-    if (!pid_text.empty()) result.tool_pid = std::stoi(pid_text);
-    for (const std::string& path : {body_path, out_path, err_path, record_path, record_path + ".env",
-                                    record_path + ".pid", link_dir + "/" + request.argv0})
-        unlink(path.c_str());
-    rmdir(link_dir.c_str());
-    rmdir(dir.c_str());
+    if (std::filesystem::exists(record)) result.tool_input = slurp(record);
+    result.tool_env = slurp(record + ".env");
+    std::string tool_pid = slurp(record + ".pid");
+    if (!tool_pid.empty()) result.tool_pid = std::stoi(tool_pid);
+    std::filesystem::remove_all(dir);
     return result;
 }
 
@@ -172,8 +142,7 @@ gateway_request post(std::string verb, std::string body) {
 }
 
 gateway_request get(std::string verb) {
-    gateway_request request;
-    request.argv0 = std::move(verb);
+    gateway_request request = post(std::move(verb), "");
     request.method = "GET";
     return request;
 }

@@ -12,69 +12,50 @@
 //                hang: read, print, then never end
 //                warn: print a warning on standard error, then as read
 #include <fcntl.h>
-#include <signal.h>
 #include <unistd.h>
 
-#include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <string>
 
 namespace {
 
 void write_all(int fd, const std::string& text) {
-    std::size_t done = 0;
-    while (done < text.size()) {
+    for (std::size_t done = 0; done < text.size();) {
         ssize_t put = write(fd, text.data() + done, text.size() - done);
         if (put <= 0) std::exit(0);
         done += static_cast<std::size_t>(put);
     }
 }
 
-std::string read_all(int fd) {
-    std::string text;
-    char buf[4096];
-    for (ssize_t got; (got = read(fd, buf, sizeof buf)) > 0;) text.append(buf, static_cast<std::size_t>(got));
-    return text;
-}
-
 // Written whole under a temporary name, then renamed, so that a reader
 // that sees the file sees all of it.
 void spill(const std::string& path, const std::string& text) {
-    std::string partial = path + ".part";
-    int fd = open(partial.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+    int fd = open((path + ".part").c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
     write_all(fd, text);
     close(fd);
-    rename(partial.c_str(), path.c_str());
+    rename((path + ".part").c_str(), path.c_str());
 }
 
 }  // namespace
 
 int main(int, char** argv) {
-    const char* record_path = std::getenv("STUB_RECORD");
+    const char* record = std::getenv("STUB_RECORD");
     const char* output = std::getenv("STUB_OUTPUT");
     std::string mode = std::getenv("STUB_MODE") ? std::getenv("STUB_MODE") : "read";
-    int record = record_path ? open(record_path, O_WRONLY | O_CREAT | O_TRUNC, 0600) : -1;
-    if (record_path) {
+    int input_file = record ? open(record, O_WRONLY | O_CREAT | O_TRUNC, 0600) : -1;
+    if (record) {
         std::string environment = std::string("ARGV0=") + argv[0] + "\n";
         for (char** entry = environ; *entry != nullptr; ++entry) environment += std::string(*entry) + "\n";
-        spill(std::string(record_path) + ".env", environment);
-        spill(std::string(record_path) + ".pid", std::to_string(getpid()));
+        spill(std::string(record) + ".env", environment);
+        spill(std::string(record) + ".pid", std::to_string(getpid()));
     }
-    if (mode == "warn") write_all(STDERR_FILENO, "shelfctl: warning\n");
+    if (mode == "warn") write_all(2, "shelfctl: warning\n");
     std::string input;
-    if (mode != "noread") {
-        input = read_all(STDIN_FILENO);
-        if (record >= 0) write_all(record, input);
-    }
-    std::string answer = output ? output
-                                : "stub shelfctl\nCLI> \nran " + input.substr(0, input.find('\n')) + "\nCLI> \n";
-    write_all(STDOUT_FILENO, answer);
-    if (mode == "flood") {
-        for (;;) write_all(STDOUT_FILENO, "more output after the prompt\n");
-    }
-    if (mode == "hang") {
-        for (;;) pause();
-    }
+    char buf[4096];
+    for (ssize_t got; mode != "noread" && (got = read(0, buf, sizeof buf)) > 0;) input.append(buf, got);
+    if (input_file >= 0) write_all(input_file, input);
+    write_all(1, output ? output : "stub shelfctl\nCLI> \nran " + input.substr(0, input.find('\n')) + "\nCLI> \n");
+    while (mode == "flood") write_all(1, "more output after the prompt\n");
+    while (mode == "hang") pause();
     return 0;
 }
