@@ -142,10 +142,16 @@ TEST(GatewayE2E, EveryHostileRequestEndsInAPageOrInSilence) {
     EXPECT_EQ(r.out, not_found);
 }
 
-TEST(GatewayE2E, TheToolsAnswerIsCutToWhatFollowsThePrompt) {
-    const std::string long_line(300, 'L');
+// The page shows what follows the tool's first prompt, up to the next; a
+// tool that falls silent or floods is ended (here after 1 s or 1 MiB) and
+// never outlives the request.
+TEST(GatewayE2E, TheToolsAnswerIsCutToWhatFollowsThePromptAndBounded) {
+    const std::string long_line(300, 'L'), silent = "verbgw: shelfctl gave no output for 1 s; ended\n";
+    std::string flood = "CLI> \n";
+    while (flood.size() < (1u << 20)) flood += "more output after the prompt\n";
     const struct {
-        std::string output, mode, block;
+        std::string output, mode, block, complaint = "";
+        bool short_limits = false;
     } cases[] = {
         {"banner\nCLI> \nline a\nline b\nCLI> \n", "read", "line a\nline b\n"},
         {"CLI> \ncan't interact with shelf manager\nmore\nCLI> \n", "read",
@@ -157,16 +163,22 @@ TEST(GatewayE2E, TheToolsAnswerIsCutToWhatFollowsThePrompt) {
         {"CLI> \npartial answer\n", "read", "partial answer\n"},
         {"banner\nCLI> \nanswer\nCLI> \n", "noread", "answer\n"},
         {"banner\nCLI> \nanswer\nCLI> \n", "flood", "answer\n"},
+        {"", "hang", "", silent, true},
+        {"banner\nCLI> \npartial\n", "hang", "partial\n", silent, true},
+        {"CLI> \n", "flood", flood.substr(6, (1u << 20) - 6), "verbgw: shelfctl's answer reached 1 MiB; ended\n", true},
     };
     for (const auto& c : cases) {
-        SCOPED_TRACE(c.mode + ": " + c.output);
+        SCOPED_TRACE(c.mode + ": " + c.output.substr(0, 40));
         gateway_request request = post("version", "a=1");
         request.tool_output = c.output;
         request.tool_mode = c.mode;
+        request.short_limits = c.short_limits;
         gateway_result r = run_gateway(request);
-        EXPECT_EQ(r.out, version_page(c.block));
+        EXPECT_TRUE(r.out == version_page(c.block)) << r.out.substr(0, 400);
         EXPECT_EQ(r.status, 0);
+        EXPECT_EQ(r.err, c.complaint);
         EXPECT_EQ(r.tool_input, c.mode == "noread" ? "" : "version\nquit\n\n");
+        EXPECT_FALSE(process_alive(r.tool_pid));
     }
 }
 
@@ -194,31 +206,6 @@ TEST(GatewayE2E, AToolThatCannotStartIsReported) {
     warning.merge_stderr = true;
     EXPECT_EQ(run_gateway(warning).out, page_before_tool + "shelfctl: warning\n" + stub_answer("version") +
                                             page_after_tool);
-}
-
-TEST(GatewayE2E, TheGatewayEndsASilentOrFloodingTool) {
-    std::string flood = "CLI> \n";
-    while (flood.size() < (1u << 20)) flood += "more output after the prompt\n";
-    const std::string silent = "verbgw: shelfctl gave no output for 1 s; ended\n";
-    const struct {
-        std::string output, mode, block, complaint;
-    } cases[] = {
-        {"", "hang", "", silent},
-        {"banner\nCLI> \npartial\n", "hang", "partial\n", silent},
-        {"CLI> \n", "flood", flood.substr(6, (1u << 20) - 6), "verbgw: shelfctl's answer reached 1 MiB; ended\n"},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.output.substr(0, 20) + c.mode);
-        gateway_request request = get("version");
-        request.short_limits = true;
-        request.tool_output = c.output;
-        request.tool_mode = c.mode;
-        gateway_result r = run_gateway(request);
-        EXPECT_EQ(r.status, 0);
-        EXPECT_TRUE(r.out == version_page(c.block)) << r.out.size() << " bytes";
-        EXPECT_EQ(r.err, c.complaint);
-        EXPECT_FALSE(process_alive(r.tool_pid));
-    }
 }
 
 TEST(GatewayE2E, EndedByASignalItEndsAndReapsTheToolFirst) {
@@ -286,15 +273,17 @@ TEST(GatewayE2E, ASignalAfterTheReapSparesTheToolsOldPid) {
 
 TEST(GatewayE2E, TheToolGetsTheServersEnvironmentWithoutTheClients) {
     gateway_request request = post("version", "a=1");
-    request.extra_env = {"HTTP_USER_AGENT=$(id)", "QUERY_STRING=q", "CONTENT_TYPE=t", "PATH_INFO=/p",
-                         "PATH_TRANSLATED=/w/p", "REQUEST_URI=/u", "SHELFSIM_STATE=/s", "HTTPS=on"};
+    request.extra_env = {"HTTP_USER_AGENT=$(id)", "SHELFSIM_STATE=/s", "QUERY_STRING=q", "CONTENT_TYPE=t", "HTTPS=on",
+                         "PATH_INFO=/p", "PATH_TRANSLATED=/w/p", "REQUEST_URI=/u", "HTTP_=", "SERVER_NAME=shelf",
+                         "HTTP_COOKIE", "REQUEST_METHODS=kept", "QUERY_STRING", "REMOTE_USER=operator", "X=HTTP_Y"};
     gateway_result r = run_gateway(request);
     EXPECT_EQ(r.out, version_page(stub_answer("version")));
     std::string lines = "\n" + r.tool_env;
-    for (std::string dropped : {"HTTP_", "QUERY_STRING=", "CONTENT_TYPE=", "CONTENT_LENGTH=", "PATH_INFO=",
+    for (std::string dropped : {"HTTP_", "QUERY_STRING", "CONTENT_TYPE=", "CONTENT_LENGTH=", "PATH_INFO=",
                                 "PATH_TRANSLATED=", "REQUEST_URI=", "REQUEST_METHOD="})
         EXPECT_EQ(lines.find("\n" + dropped), std::string::npos) << dropped;
-    for (std::string kept : {"ARGV0=shelfctl\n", "PATH=", "SHELFSIM_STATE=/s\n", "HTTPS=on\n", "STUB_MODE=read\n"})
+    for (std::string kept : {"ARGV0=shelfctl\n", "PATH=", "SHELFSIM_STATE=/s\n", "HTTPS=on\n", "STUB_MODE=read\n",
+                             "SERVER_NAME=shelf\n", "REQUEST_METHODS=kept\n", "REMOTE_USER=operator\n", "X=HTTP_Y\n"})
         EXPECT_NE(lines.find("\n" + kept), std::string::npos) << kept;
 }
 

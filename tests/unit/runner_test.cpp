@@ -56,23 +56,6 @@ TEST(PieceReader, CutsLinesAt254Bytes) {
     EXPECT_EQ(filtered(lines), std::string(254, 'x'));
 }
 
-TEST(ToolEnvironment, DropsWhatTheClientChoseAndKeepsTheServersSettings) {
-    std::vector<std::string> entries = {
-        "PATH=/opt/shelf/bin:/usr/bin", "HTTP_USER_AGENT=$(id)", "SHELFSIM_STATE=/tmp/s", "QUERY_STRING=a=1",
-        "CONTENT_TYPE=x", "CONTENT_LENGTH=3", "PATH_INFO=/x", "PATH_TRANSLATED=/w/x", "REQUEST_URI=/cgi-bin/x",
-        "REQUEST_METHOD=POST", "HTTP_=", "HTTPS=on", "HTTP_COOKIE", "SERVER_NAME=shelf", "REQUEST_METHODS=kept",
-        "QUERY_STRING", "REMOTE_USER=operator", "X=HTTP_Y"};
-    std::vector<char*> env;
-    for (std::string& entry : entries) env.push_back(entry.data());
-    env.push_back(nullptr);
-    EXPECT_EQ(keep_tool_environment(env.data()), 7u);
-    std::vector<std::string> kept(env.begin(), env.begin() + 7);
-    EXPECT_EQ(kept, (std::vector<std::string>{"PATH=/opt/shelf/bin:/usr/bin", "SHELFSIM_STATE=/tmp/s", "HTTPS=on",
-                                              "SERVER_NAME=shelf", "REQUEST_METHODS=kept", "REMOTE_USER=operator",
-                                              "X=HTTP_Y"}));
-    EXPECT_EQ(env[7], nullptr);
-}
-
 // The silence limit ends a hung tool before a server's timeout (45 s in the
 // shipped configurations) ends the gateway with it.
 TEST(ToolLimits, AreThirtySecondsOfSilenceAndSixteenMiB) {
