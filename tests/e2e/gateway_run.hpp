@@ -43,7 +43,6 @@ bool process_alive(int pid);
 
 gateway_result run_gateway(const gateway_request& request);
 
-
 // A request posting `body` to `verb`.
 gateway_request post(std::string verb, std::string body);
 // A GET request to `verb`.

@@ -4,8 +4,9 @@
 //                (created even when nothing is read, to show the tool ran);
 //                beside it <file>.pid gets the tool's pid and <file>.env
 //                its name (ARGV0=...) and environment, one entry a line
-//   STUB_OUTPUT  the output to print; default: a banner, a prompt, the line
-//                "ran <first input line>" and the next prompt
+//   STUB_OUTPUT  the output to print, a DEL byte printed as NUL (which the
+//                environment cannot carry); default: a banner, a prompt,
+//                the line "ran <first input line>" and the next prompt
 //   STUB_MODE    read (default): read all input, then print
 //                noread: print without reading, then exit
 //                flood: read, print, then print lines until the pipe closes
@@ -54,7 +55,9 @@ int main(int, char** argv) {
     char buf[4096];
     for (ssize_t got; mode != "noread" && (got = read(0, buf, sizeof buf)) > 0;) input.append(buf, got);
     if (input_file >= 0) write_all(input_file, input);
-    write_all(1, output ? output : "stub shelfctl\nCLI> \nran " + input.substr(0, input.find('\n')) + "\nCLI> \n");
+    std::string answer = output ? output : "stub shelfctl\nCLI> \nran " + input.substr(0, input.find('\n')) + "\nCLI> \n";
+    for (char& c : answer) c = c == '\x7f' ? '\0' : c;
+    write_all(1, answer);
     while (mode == "flood") write_all(1, "more output after the prompt\n");
     while (mode == "hang") pause();
     return 0;

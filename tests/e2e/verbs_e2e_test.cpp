@@ -216,10 +216,17 @@ TEST(VerbsE2E, EveryVerbBuildsItsCommandOrRefuses) {
     }
 }
 
-// The web root links the verbs in this list: each one is served.
+// The web root links the verbs in this list: each one is served, under its
+// own title, heading and back link.
 TEST(VerbsE2E, EveryDeployedVerbIsServed) {
     std::ifstream list(VERBGW_VERB_LIST);
     std::size_t count = 0;
-    for (std::string name; std::getline(list, name); ++count) EXPECT_EQ(run_gateway(get(name)).status, 0) << name;
+    for (std::string name; std::getline(list, name); ++count) {
+        std::string page = expected_page(name == "sel" ? "sel/info" : name, name == "shelf" ? "Undefined" : "", "");
+        gateway_result r = run_gateway(get(name));
+        EXPECT_EQ(r.status, 0) << name;
+        EXPECT_TRUE(r.out.starts_with(page.substr(0, page.find("</H2>") + 5))) << r.out;
+        EXPECT_TRUE(r.out.ends_with(page.substr(page.rfind("<HR><A HREF")))) << r.out;
+    }
     EXPECT_EQ(count, 33u);
 }
