@@ -88,6 +88,7 @@ TEST(GatewayE2E, EveryHostileRequestEndsInAPageOrInSilence) {
         {"escaped zero cuts the value", "addr1_0=a%00b&id3_0=2", "sensor  a 2"},
         {"raw zero ends the body", std::string("addr1_0=1\0&id3_0=2", 18), "sensor  1 "},
         {"truncated escape", "addr1_0=5%", "sensor  5% "},
+        {"truncated escape before a field", "addr1_0=5%&id3_0=4", "sensor  5% 4"},
         {"half escape", "addr1_0=%4", "sensor  %4 "},
         {"invalid escape", "addr1_0=%zz%gg", "sensor  S\x10 "},
         {"control character as a digit", "addr1_0=%\x01" "1b", "sensor  \x11" "b "},
@@ -184,16 +185,19 @@ TEST(GatewayE2E, AToolThatCannotStartIsReported) {
     char dir_template[] = "/tmp/verbgw-tools-XXXXXX";
     std::string dir = mkdtemp(dir_template), bogus = dir + "/shelfctl";
     gateway_request missing = get("version"), no_files = get("version"), second = get("version"),
-                    broken = get("version");
+                    in_cwd = get("version"), broken = get("version");
     missing.tool_on_path = false;
     missing.merge_stderr = true;
     no_files.open_file_limit = 4;  // standard streams and the log leave no room for a pipe
-    second.path_first = dir;       // an empty directory first
+    second.path_first = dir;       // holding a shelfctl that is not executable
+    in_cwd.tool_in_cwd = true;     // an empty PATH entry is the working directory
     broken.tool_dir = dir;
+    std::ofstream(bogus) << "not a program\n";
+    chmod(bogus.c_str(), 0644);
     EXPECT_EQ(run_gateway(missing).out, page_before_tool + "verbgw: shelfctl: not found\n" + page_after_tool);
     EXPECT_EQ(run_gateway(no_files).out, version_page("Error, -24\n"));
     EXPECT_EQ(run_gateway(second).out, version_page(stub_answer("version")));
-    std::ofstream(bogus) << "not a program\n";
+    EXPECT_EQ(run_gateway(in_cwd).out, version_page(stub_answer("version")));
     chmod(bogus.c_str(), 0755);
     EXPECT_EQ(run_gateway(broken).out, version_page("Error, -8\n"));  // ENOEXEC
     unlink(bogus.c_str());
@@ -280,8 +284,9 @@ TEST(GatewayE2E, TheToolGetsTheServersEnvironmentWithoutTheClients) {
     for (std::string dropped : {"HTTP_", "QUERY_STRING", "CONTENT_TYPE=", "CONTENT_LENGTH=", "PATH_INFO=",
                                 "PATH_TRANSLATED=", "REQUEST_URI=", "REQUEST_METHOD="})
         EXPECT_EQ(lines.find("\n" + dropped), std::string::npos) << dropped;
-    for (std::string kept : {"ARGV0=shelfctl\n", "PATH=", "SHELFSIM_STATE=/s\n", "HTTPS=on\n", "STUB_MODE=read\n",
-                             "SERVER_NAME=shelf\n", "REQUEST_METHODS=kept\n", "REMOTE_USER=operator\n", "X=HTTP_Y\n"})
+    for (std::string kept : {"ARGV0=shelfctl\n", "BLOCKED=none\n", "SIGPIPE=default\n", "PATH=", "SHELFSIM_STATE=/s\n",
+                             "HTTPS=on\n", "STUB_MODE=read\n", "SERVER_NAME=shelf\n", "REQUEST_METHODS=kept\n",
+                             "REMOTE_USER=operator\n", "X=HTTP_Y\n"})
         EXPECT_NE(lines.find("\n" + kept), std::string::npos) << kept;
 }
 

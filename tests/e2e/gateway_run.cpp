@@ -54,7 +54,7 @@ gateway_result run_gateway(const gateway_request& request) {
 
     std::vector<std::string> args;
     std::string path = request.path_first.empty() ? "" : request.path_first + ":";
-    if (request.tool_on_path) path += stub_dir + ":";
+    if (request.tool_on_path) path += request.tool_in_cwd ? ":" : stub_dir + ":";
     if (!wrapper.empty()) {
         std::filesystem::create_directory(links);
         std::filesystem::create_symlink(binary, links + "/" + request.argv0);
@@ -97,6 +97,7 @@ gateway_result run_gateway(const gateway_request& request) {
         dup2(request.out_fd >= 0 ? request.out_fd : out, 1);
         dup2(request.merge_stderr ? out : err, 2);
         close_range(3, ~0u, 0);  // the gateway starts with the standard streams only
+        if (request.tool_in_cwd && chdir(stub_dir.c_str()) != 0) _exit(126);
         if (request.open_file_limit > 0) {
             rlimit limit{static_cast<rlim_t>(request.open_file_limit),
                          static_cast<rlim_t>(request.open_file_limit)};

@@ -25,6 +25,7 @@ struct gateway_request {
     bool short_limits = false;   // the gateway built with shortened tool limits (1 s, 1 MiB)
     std::string tool_dir;        // default: the stand-in's directory
     std::string path_first;      // a directory put on PATH before the tool's
+    bool tool_in_cwd = false;    // PATH's first entry empty, the tool in the working directory
     std::vector<std::string> extra_env;
     bool merge_stderr = false;  // standard error into the same file as the page, as some servers do
 };

@@ -3,7 +3,8 @@
 //   STUB_RECORD  file that receives everything read from standard input
 //                (created even when nothing is read, to show the tool ran);
 //                beside it <file>.pid gets the tool's pid and <file>.env
-//                its name (ARGV0=...) and environment, one entry a line
+//                its name (ARGV0=...), whether it started with signals
+//                blocked or SIGPIPE ignored, and its environment, a line each
 //   STUB_OUTPUT  the output to print, a DEL byte printed as NUL (which the
 //                environment cannot carry); default: a banner, a prompt,
 //                the line "ran <first input line>" and the next prompt
@@ -13,6 +14,7 @@
 //                hang: read, print, then never end
 //                warn: print a warning on standard error, then as read
 #include <fcntl.h>
+#include <signal.h>
 #include <unistd.h>
 
 #include <cstdlib>
@@ -45,7 +47,13 @@ int main(int, char** argv) {
     std::string mode = std::getenv("STUB_MODE") ? std::getenv("STUB_MODE") : "read";
     int input_file = record ? open(record, O_WRONLY | O_CREAT | O_TRUNC, 0600) : -1;
     if (record) {
-        std::string environment = std::string("ARGV0=") + argv[0] + "\n";
+        sigset_t blocked;
+        struct sigaction pipe_action;
+        sigprocmask(SIG_SETMASK, nullptr, &blocked);
+        sigaction(SIGPIPE, nullptr, &pipe_action);
+        std::string environment = std::string("ARGV0=") + argv[0] + "\nBLOCKED=" +
+                                  (sigisemptyset(&blocked) ? "none" : "some") + "\nSIGPIPE=" +
+                                  (pipe_action.sa_handler == SIG_IGN ? "ignored" : "default") + "\n";
         for (char** entry = environ; *entry != nullptr; ++entry) environment += std::string(*entry) + "\n";
         spill(std::string(record) + ".env", environment);
         spill(std::string(record) + ".pid", std::to_string(getpid()));

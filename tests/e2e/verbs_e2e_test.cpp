@@ -95,6 +95,7 @@ const verb_case cases[] = {
     {"board", "verbose=V&slot=4", "board V 4", verbose_on + board("4")},
     {"board", "slot=abc", "board "},
     {"board", "slot=-4294967295", "board  1", board("1")},
+    {"board", "slot=-4294967296", "board  -1", board("-1")},  // saturated before the sign
     {"reset", GET, "boardreset "},
     {"reset", "slot=7&verbose=V", "boardreset 7", verbose_on + resetting("7")},
     {"reset", "slot=4294967295", "boardreset "},
@@ -126,6 +127,7 @@ const verb_case cases[] = {
     {"sel", "req_type_sel=0", "sel   "},
     {"sel/clear", "req_type_sel=1", "sel clear  "},
     {"sel/info", "req_type_sel=2&addr1_0=20", "sel info  20 "},
+    {"sel/info", "req_type_sel=2&req_type=1&pti_sym1_1=p&id2_1=2", "sel info  p 2"},
     {"sel/info", "req_type_sel=01", "sel info   "},
     {"sel", "req_type_sel=0&req_type=1&pti_sym1_1=p&value=9", "sel  p  "},
     {"sel", "req_type_sel=0&verbose=-v&addr1_0=20&value=9&id2_1=2", "sel -v 20 9"},
@@ -144,6 +146,7 @@ const verb_case cases[] = {
     {"setfanlevel", "req_type=1&pti_sym1_1=P&id2_1=9&value=5", "setfanlevel  P 9 5"},
     {"setfanlevel", "req_type=2&verbose=V&value=5&addr1_0=a&id2_0=b", "setfanlevel V all 5"},
     {"setfanlevel", "req_type=3&addr1_0=a&id2_0=b&value=5", "setfanlevel  a b 5"},
+    {"setfanlevel", "req_type=1&id2_1=9&value=5", all_params},
     // Shelf-wide settings.
     {"getlanconfig", GET, "getlanconfig 1 0", channel("1")},
     {"getlanconfig", "channel=2&channel=5&parameter=3", "getlanconfig 5 3", channel("5")},
@@ -151,6 +154,7 @@ const verb_case cases[] = {
     {"getlanconfig", "channel=1%0Areboot", line_break, channel("1\nreboot")},
     {"setlanconfig", "channel=1&parameter=3&sel=0&value=192.168.0.2&verbose=1", "setlanconfig 1 3 0 192.168.0.2"},
     {"getpef", "parameter=7&channel=3", "getpefconfig 7"},
+    {"getpef", GET, "getpefconfig 0"},
     {"setpef", "parameter=1&sel=2&value=3", "setpefconfig 1 2 3"},
     {"alarm", GET, "alarm"},
     {"alarm", "command=clear+all&verbose=1", "alarm clear all"},
@@ -183,6 +187,7 @@ const verb_case cases[] = {
     {"shelf", "command=10x&req_type=2&req_type_deactivation=1" + act, "shelf x A I1 V", "x"},
     {"shelf", "command=11x&req_type_activation=1" + act + deact, "shelf x a i1 v", "x"},
     {"shelf", "command=11x&req_type_deactivation=2" + deact, "shelf x slot5 v", "x"},
+    {"shelf", "command=11x&req_type_deactivation=1" + deact, "shelf x p i2 v", "x"},
     {"shelf", "command=12x&req_type_pwrdelay=1" + cap + delay, "shelf x A I1 V1", "x"},
     {"shelf", "command=12x&req_type_pwrcapability=1&value2_pwrcapability=V2" + cap, "shelf x P I2 V2", "x"},
     {"shelf", "command=12x&value2_pwrcapability=V2&req_type_pwrcapability=2" + cap, "shelf", "x"},
@@ -191,6 +196,7 @@ const verb_case cases[] = {
     {"shelf", "command=14x&req_type_pwrdelay=2" + delay, "shelf", "x"},
     {"shelf", "command=16x&req_type1_pwrreorder=1&req_type2_pwrreorder=1" + refs, "shelf x P1 I12 before P2 I22", "x"},
     {"shelf", "command=16x&req_type1_pwrreorder=2&req_type2_pwrreorder=1" + refs, "shelf x A1 I11 before P2 I22", "x"},
+    {"shelf", "command=16x" + refs, "shelf x A1 I11 before A2 I21", "x"},
     {"shelf", "command=16x&op_pwrreorder=after", "shelf x   after  ", "x"},
 };
 
