@@ -292,7 +292,7 @@ TEST(GatewayE2E, TheToolGetsTheServersEnvironmentWithoutTheClients) {
 
 // The log at its fixed path, against what a local user can plant there:
 // the raw invocation goes at offset 0 of a plain file of its own, never
-// through a link, into a directory, a second name of another file or a
+// through a link, into a directory, a hard link to another file or a
 // FIFO, and the page is served either way.
 TEST(GatewayE2E, TheLogTakesTheRawInvocationOnlyInAPlainFileOfItsOwn) {
     const std::string victim = "/var/tmp/verbgw-victim";
@@ -308,20 +308,11 @@ TEST(GatewayE2E, TheLogTakesTheRawInvocationOnlyInAPlainFileOfItsOwn) {
         {"longer content stays behind", "fru", fill_log("getthreshold"), "fruthreshold"},
         {"an empty name is not written", "", fill_log("kept"), "kept"},
         {"nor a missing one", "", fill_log("kept"), "kept", true},
-        {"link to a file", "fru", [&] {
-             std::ofstream(victim) << "secret";
-             symlink(victim.c_str(), log_path);
-         }, "-"},
+        {"link to a file", "fru", [&] { std::ofstream(victim) << "secret", symlink(victim.c_str(), log_path); }, "-"},
         {"dangling link", "fru", [&] { symlink(victim.c_str(), log_path); }, "-"},
         {"directory", "fru", [] { mkdir(log_path, 0700); }, "-"},
-        {"hard link to another file", "fru", [&] {
-             std::ofstream(victim) << "secret";
-             link(victim.c_str(), log_path);
-         }, "-"},
-        {"FIFO held open", "fru", [&] {
-             mkfifo(log_path, 0666);
-             holder = open(log_path, O_RDWR | O_NONBLOCK);
-         }, "-"},
+        {"hard link", "fru", [&] { std::ofstream(victim) << "secret", link(victim.c_str(), log_path); }, "-"},
+        {"FIFO held open", "fru", [&] { mkfifo(log_path, 0666), holder = open(log_path, O_RDWR | O_NONBLOCK); }, "-"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.what);

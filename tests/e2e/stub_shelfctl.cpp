@@ -63,7 +63,7 @@ int main(int, char** argv) {
     char buf[4096];
     for (ssize_t got; mode != "noread" && (got = read(0, buf, sizeof buf)) > 0;) input.append(buf, got);
     if (input_file >= 0) write_all(input_file, input);
-    std::string answer = output ? output : "stub shelfctl\nCLI> \nran " + input.substr(0, input.find('\n')) + "\nCLI> \n";
+    std::string answer = output ? output : "banner\nCLI> \nran " + input.substr(0, input.find('\n')) + "\nCLI> \n";
     for (char& c : answer) c = c == '\x7f' ? '\0' : c;
     write_all(1, answer);
     while (mode == "flood") write_all(1, "more output after the prompt\n");
