@@ -20,13 +20,10 @@ const std::string not_found = "Can't find the requested command\n";
 const char* log_path = "/var/tmp/verbgw.log";
 
 std::string version_page(std::string_view block) { return expected_page("version", "", block); }
-std::string sensor_page(std::string_view block, std::string_view notes = "") {
-    return expected_page("sensor", notes, block);
-}
 
-std::string repeat(const std::string& piece, std::size_t times) {
+std::string repeat(const std::string& piece, int times) {
     std::string text;
-    for (std::size_t i = 0; i < times; ++i) text += piece;
+    while (times-- > 0) text += piece;
     return text;
 }
 
@@ -77,6 +74,7 @@ TEST(GatewayE2E, EveryHostileRequestEndsInAPageOrInSilence) {
         std::optional<std::string> length = std::nullopt;  // CONTENT_LENGTH; default: the body's size
         std::string notes = "";
         std::optional<std::string> method = "POST";
+        std::optional<std::string> stdin_from = std::nullopt;  // default: the body
     } cases[] = {
         {"shell text stays text", "verbose=%24(id)%3B%7C%26&addr1_0=%60id%60%22'&id3_0=%3E%2Ftmp%2Fx*~root",
          "sensor $(id);|& `id`\"' >/tmp/x*~root", {}, verbose_on},
@@ -118,16 +116,19 @@ TEST(GatewayE2E, EveryHostileRequestEndsInAPageOrInSilence) {
         {"unknown method", "addr1_0=0x82", "sensor   ", {}, "", "DELETE"},
         {"lower-case post", "addr1_0=0x82", "sensor   ", {}, "", "post"},
         {"no method", "addr1_0=0x82", "sensor   ", {}, "", std::nullopt},
+        {"a body that cannot be read", "addr1_0=1", "", {}, "", "POST", "/"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.what);
         gateway_request request = post("sensor", c.body);
         request.method = c.method;
         request.content_length = c.length;
+        request.stdin_from = c.stdin_from;
         gateway_result r = run_gateway(request);
         bool refused = c.sent.ends_with("<BR>");
+        std::string block = refused ? c.sent : stub_answer(c.sent);
         EXPECT_EQ(r.status, c.sent.empty() ? 1 : 0);
-        EXPECT_EQ(r.out, c.sent.empty() ? "" : sensor_page(refused ? c.sent : stub_answer(c.sent), c.notes));
+        EXPECT_EQ(r.out, c.sent.empty() ? "" : expected_page("sensor", c.notes, block));
         EXPECT_EQ(r.err, "");
         EXPECT_EQ(r.tool_input, c.sent.empty() || refused ? std::nullopt : std::optional(tool_input_for(c.sent)));
     }
@@ -200,8 +201,7 @@ TEST(GatewayE2E, AToolThatCannotStartIsReported) {
     EXPECT_EQ(run_gateway(in_cwd).out, version_page(stub_answer("version")));
     chmod(bogus.c_str(), 0755);
     EXPECT_EQ(run_gateway(broken).out, version_page("Error, -8\n"));  // ENOEXEC
-    unlink(bogus.c_str());
-    rmdir(dir.c_str());
+    std::filesystem::remove_all(dir);
 
     gateway_request warning = get("version");
     warning.tool_mode = "warn";
@@ -335,6 +335,13 @@ TEST(GatewayE2E, TheLogTakesTheRawInvocationOnlyInAPlainFileOfItsOwn) {
             holder = -1;
         }
     }
+    // With the log refused and no standard input, the tool's pipe takes
+    // descriptor 0 itself, and must stay open for the tool.
+    std::filesystem::remove_all(log_path);
+    std::filesystem::create_directory(log_path);
+    gateway_request no_input = get("version");
+    no_input.stdin_from = "";
+    EXPECT_EQ(run_gateway(no_input).out, version_page(stub_answer("version")));
     std::filesystem::remove_all(log_path);
     std::filesystem::remove(victim);
 }

@@ -90,9 +90,10 @@ gateway_result run_gateway(const gateway_request& request) {
 
     pid_t pid = fork();
     if (pid == 0) {
-        int in = open((dir + "/body").c_str(), O_RDONLY);
+        int in = open(request.stdin_from.value_or(dir + "/body").c_str(), O_RDONLY);
         int out = open((dir + "/out").c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
         int err = open((dir + "/err").c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+        if (in < 0) close(0);
         dup2(in, 0);
         dup2(request.out_fd >= 0 ? request.out_fd : out, 1);
         dup2(request.merge_stderr ? out : err, 2);

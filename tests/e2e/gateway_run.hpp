@@ -12,6 +12,7 @@ struct gateway_request {
     std::string argv0;  // the invocation name (the verb)
     std::optional<std::string> method = "POST";  // nullopt: REQUEST_METHOD unset
     std::string body;
+    std::optional<std::string> stdin_from;      // default: the body; "": standard input closed
     std::optional<std::string> content_length;  // default: the body's size (POST only)
     bool content_length_unset = false;
     std::optional<std::string> tool_output;     // default: the stub's echoing answer

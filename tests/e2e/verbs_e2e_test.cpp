@@ -35,8 +35,6 @@ void expect_case(const verb_case& c) {
 }
 
 std::string board(const std::string& slot) { return "Board # " + slot + "<BR>"; }
-std::string resetting(const std::string& slot) { return "Resetting board # " + slot + "<BR>"; }
-std::string channel(const std::string& c) { return "Retrieving Information of channel: " + c + "<BR>"; }
 const std::string led = "addr1_0=0x82&id3_0=0&";
 const std::string sse0 = "addr1_0=20&id3_0=3&id2_1=1";
 const std::string sse1 = "req_type=1&pti_sym1_1=p&id2_0=0&id3_0=3&id2_1=1";
@@ -75,7 +73,7 @@ const verb_case cases[] = {
     {"setfruledstate", "addr1_0=" + x300 + "&addr1_1=OFF", set_params},
     {"board", "slot=-4294967295", "board  1", board("1")},
     {"board", "slot=-4294967296", "board  -1", board("-1")},  // saturated before the sign
-    {"reset", "slot=7&verbose=V", "boardreset 7", verbose_on + resetting("7")},
+    {"reset", "slot=7&verbose=V", "boardreset 7", verbose_on + "Resetting board # 7<BR>"},
     {"reset", "slot=4294967295", "boardreset "},
     {"ipmc", "addr1_0=0x82&id2_1=2&pti_sym1_1=P", "ipmc  0x82"},
     {"ipmc", "verbose=V&req_type=1&pti_sym1_1=P", "ipmc V P ", verbose_on},
@@ -106,7 +104,7 @@ const verb_case cases[] = {
     {"setfanlevel", "req_type=1&pti_sym1_1=P&id2_1=9&value=5", "setfanlevel  P 9 5"},
     {"setfanlevel", "req_type=1&id2_1=9&value=5", all_params},
     // Shelf-wide settings.
-    {"getlanconfig", GET, "getlanconfig 1 0", channel("1")},
+    {"getlanconfig", GET, "getlanconfig 1 0", "Retrieving Information of channel: 1<BR>"},
     {"setlanconfig", "channel=1&parameter=3&sel=0&value=192.168.0.2&verbose=1", "setlanconfig 1 3 0 192.168.0.2"},
     {"getpef", "parameter=7&channel=3", "getpefconfig 7"},
     {"getpef", GET, "getpefconfig 0"},
