@@ -134,7 +134,7 @@ TEST(GatewayE2E, EveryHostileRequestEndsInAPageOrInSilence) {
     }
     // An unreadable body still gives an unknown name its not-found line.
     gateway_request unknown = post("nosuchverb", "a=1");
-    unknown.content_length_unset = true;
+    unknown.content_length = "";
     gateway_result r = run_gateway(unknown);
     EXPECT_EQ(r.status, 1);
     EXPECT_EQ(r.out, not_found);

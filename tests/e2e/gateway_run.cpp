@@ -73,7 +73,7 @@ gateway_result run_gateway(const gateway_request& request) {
     if (request.method) env.push_back("REQUEST_METHOD=" + *request.method);
     if (request.content_length) {
         env.push_back("CONTENT_LENGTH=" + *request.content_length);
-    } else if (request.method == "POST" && !request.content_length_unset) {
+    } else if (request.method == "POST") {
         env.push_back("CONTENT_LENGTH=" + std::to_string(request.body.size()));
     }
     if (request.tool_output) env.push_back("STUB_OUTPUT=" + *request.tool_output);

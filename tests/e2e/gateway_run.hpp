@@ -14,7 +14,6 @@ struct gateway_request {
     std::string body;
     std::optional<std::string> stdin_from;      // default: the body; "": standard input closed
     std::optional<std::string> content_length;  // default: the body's size (POST only)
-    bool content_length_unset = false;
     std::optional<std::string> tool_output;     // default: the stub's echoing answer
     std::string tool_mode = "read";
     bool tool_on_path = true;
