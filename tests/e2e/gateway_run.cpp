@@ -19,17 +19,17 @@ std::string env_or(const char* name, const char* fallback) {
     return value != nullptr && *value != '\0' ? value : fallback;
 }
 
-std::string slurp(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
-}
-
 void append_words(std::vector<std::string>& args, const std::string& text) {
     std::istringstream words(text);
     for (std::string word; words >> word;) args.push_back(word);
 }
 
 }  // namespace
+
+std::string slurp(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), {}};
+}
 
 gateway_result run_gateway(const gateway_request& request) {
     char dir_template[] = "/tmp/verbgw-e2e-XXXXXX";

@@ -39,6 +39,8 @@ struct gateway_result {
     int tool_pid = 0;
 };
 
+// The whole content of a file ("" when there is none).
+std::string slurp(const std::string& path);
 // True while the process `pid` exists.
 bool process_alive(int pid);
 

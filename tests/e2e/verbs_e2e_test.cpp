@@ -34,7 +34,6 @@ void expect_case(const verb_case& c) {
     EXPECT_EQ(r.tool_input, refused ? std::nullopt : std::optional(tool_input_for(c.sent)));
 }
 
-std::string board(const std::string& slot) { return "Board # " + slot + "<BR>"; }
 const std::string led = "addr1_0=0x82&id3_0=0&";
 const std::string sse0 = "addr1_0=20&id3_0=3&id2_1=1";
 const std::string sse1 = "req_type=1&pti_sym1_1=p&id2_0=0&id3_0=3&id2_1=1";
@@ -71,8 +70,8 @@ const verb_case cases[] = {
     {"setfruledstate", "req_type=1&id2_1=0&addr1_1=OFF", "setfruledstate  0 ALL OFF"},
     {"setfruledstate", led + "addr1_1=ON&addr1_2=1%0A", line_break},
     {"setfruledstate", "addr1_0=" + x300 + "&addr1_1=OFF", set_params},
-    {"board", "slot=-4294967295", "board  1", board("1")},
-    {"board", "slot=-4294967296", "board  -1", board("-1")},  // saturated before the sign
+    {"board", "slot=-4294967295", "board  1", "Board # 1<BR>"},
+    {"board", "slot=-4294967296", "board  -1", "Board # -1<BR>"},  // saturated before the sign
     {"reset", "slot=7&verbose=V", "boardreset 7", verbose_on + "Resetting board # 7<BR>"},
     {"reset", "slot=4294967295", "boardreset "},
     {"ipmc", "addr1_0=0x82&id2_1=2&pti_sym1_1=P", "ipmc  0x82"},
@@ -81,6 +80,8 @@ const verb_case cases[] = {
     {"setthreshold", GET, all_params},
     {"setthreshold", "addr1_0=20&id3_0=3&tr=unc&raw=r&value=9", "setthreshold  20 3 unc r 9"},
     {"setthreshold", "req_type=1&addr1_0=20&id3_0=3&tr=unc&value=9", "setthreshold    3 unc  9"},
+    {"setthreshold", "req_type=1&verbose=-v&pti_sym1_1=p&id2_1=2&id3_0=3&tr=unc&raw=r&value=9",
+     "setthreshold -v p 2 3 unc r 9"},
     {"sethysteresis", "req_type=1&verbose=-v&pti_sym1_1=p&id2_1=2&id3_0=3&tr=unc&value=9",
      "sethysteresis -v p 2 3 unc 9"},
     {"sethysteresis", "addr1_0=20&id3_0=3&tr=unc&value=" + x300, too_long},
@@ -102,9 +103,11 @@ const verb_case cases[] = {
     {"getfanlevel", "req_type=1&pti_sym1_1=P&id2_1=9", "getfanlevel  P 9"},
     {"setfanlevel", "verbose=V&addr1_0=a&id2_0=b&value=5", "setfanlevel V a b 5"},
     {"setfanlevel", "req_type=1&pti_sym1_1=P&id2_1=9&value=5", "setfanlevel  P 9 5"},
+    {"setfanlevel", "req_type=2&verbose=V&value=5&addr1_0=a&id2_0=b", "setfanlevel V all 5"},
     {"setfanlevel", "req_type=1&id2_1=9&value=5", all_params},
     // Shelf-wide settings.
     {"getlanconfig", GET, "getlanconfig 1 0", "Retrieving Information of channel: 1<BR>"},
+    {"getlanconfig", "channel=&parameter=3", "getlanconfig 1 3", "Retrieving Information of channel: 1<BR>"},
     {"setlanconfig", "channel=1&parameter=3&sel=0&value=192.168.0.2&verbose=1", "setlanconfig 1 3 0 192.168.0.2"},
     {"getpef", "parameter=7&channel=3", "getpefconfig 7"},
     {"getpef", GET, "getpefconfig 0"},
