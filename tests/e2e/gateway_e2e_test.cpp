@@ -27,7 +27,6 @@ std::string repeat(const std::string& piece, int times) {
     return text;
 }
 
-
 // The page as far as it stands when the tool starts: flushed before it.
 const std::string page_before_tool = version_page("").substr(0, version_page("").find("</PRE>"));
 const std::string page_after_tool = version_page("").substr(page_before_tool.size());

@@ -93,8 +93,8 @@ gateway_result run_gateway(const gateway_request& request) {
         int in = open(request.stdin_from.value_or(dir + "/body").c_str(), O_RDONLY);
         int out = open((dir + "/out").c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
         int err = open((dir + "/err").c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-        if (in < 0) close(0);
-        dup2(in, 0);
+        if (in < 0) close(0);  // stdin_from "": no standard input at all
+        else dup2(in, 0);
         dup2(request.out_fd >= 0 ? request.out_fd : out, 1);
         dup2(request.merge_stderr ? out : err, 2);
         close_range(3, ~0u, 0);  // the gateway starts with the standard streams only
