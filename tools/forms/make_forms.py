@@ -40,7 +40,7 @@ class Field:
         hint = f'\n  <small id="{fid}-hint">{self.hint}</small>' if self.hint else ''
         if self.kind == 'check':
             return (f'<div class="field check">\n  <input type="checkbox" id="{fid}" name="{self.name}" '
-                    f'value="{self.value}"{required}{described}>\n  <label for="{fid}">{self.label}</label>{hint}\n</div>')
+                    f'value="{self.value}"{self.attrs}{required}{described}>\n  <label for="{fid}">{self.label}</label>{hint}\n</div>')
         if self.kind == 'select':
             options = ''.join(f'\n    <option value="{v}"{" selected" if v == self.value else ""}>{t}</option>'
                               for v, t in self.options)
@@ -88,7 +88,8 @@ def verbose():
 
 
 def confirm(text):
-    return Field('check', 'confirm', text, required=True, value='yes')
+    # Never restored ticked by the browser's history.
+    return Field('check', 'confirm', text, required=True, value='yes', attrs=' autocomplete="off"')
 
 
 class Form:
@@ -111,7 +112,14 @@ def button(label, name=None, value=None, action=None, reads=False):
 def form_html(verb, f):
     verb = f.verb or verb
     hid = f'h-{f.key}'
-    parts = [f'<form method="POST" action="/cgi-bin/{verb}" target="answer" class="{f.cls}" id="form-{f.key}" '
+    # A form that changes the shelf posts with a token the server fills in
+    # for each load of the page and takes once (its reading buttons post
+    # without one): history, a reload or a restored tab cannot repeat it.
+    changes = any(field.name == 'confirm' for field in f.fields)
+    action = f'/cgi-bin/{verb}?once=@ONCE@-{f.key}' if changes else f'/cgi-bin/{verb}'
+    buttons = [b.replace(' formnovalidate', f' formaction="/cgi-bin/{verb}" formnovalidate', 1)
+               if changes and 'formaction' not in b else b for b in f.buttons]
+    parts = [f'<form method="POST" action="{action}" target="answer" class="{f.cls}" id="form-{f.key}" '
              f'aria-labelledby="{hid}">', f'<h2 id="{hid}">{f.heading}</h2>']
     if f.note:
         parts.append(f'<p class="note">{f.note}</p>')
@@ -119,7 +127,7 @@ def form_html(verb, f):
     if not any(field.kind != 'hidden' for field in f.fields):
         # A POST needs a body: this field makes one; no verb reads it.
         parts.append('<input type="hidden" name="posted" value="1">')
-    parts.append('<div class="actions">' + ' '.join(f.buttons) + '</div>')
+    parts.append('<div class="actions">' + ' '.join(buttons) + '</div>')
     parts.append('</form>')
     return '\n'.join(parts)
 

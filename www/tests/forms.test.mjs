@@ -119,7 +119,12 @@ for (const verb of PAGES) {
       for (const c of fields.filter((c) => c.name === 'addr1_0' || /^addr_/.test(c.name)))
         assert.equal(c.pattern, '0[xX][0-9a-fA-F]{2}', `${what}: ${c.name} takes 0x82`);
       const confirm = fields.find((c) => c.name === 'confirm');
-      assert.ok(!confirm || (confirm.type === 'checkbox' && 'required' in confirm), `${what}: confirmation required`);
+      assert.ok(!confirm || (confirm.type === 'checkbox' && 'required' in confirm && confirm.autocomplete === 'off'),
+        `${what}: confirmation required, never restored`);
+      // A change posts a token the server fills in for each page load and
+      // takes once; a form that only reads posts none.
+      const [action, query] = form.action.split('?');
+      assert.equal(query, confirm ? `once=@ONCE@-${form.id.slice(5)}` : undefined, `${what}: token`);
       // A button with a form= attribute (a list in a hint) belongs to another form.
       const buttons = tags(form.body, 'button').filter((b) => !b.form);
       assert.ok(buttons.length >= 1, `${what}: a button`);
@@ -131,7 +136,8 @@ for (const verb of PAGES) {
           posted.set(c.name, c.tag === 'select' ? firstOption(form.body, c.name) : c.value ?? 'x');
         }
         if (b.name) posted.set(b.name, b.value);
-        const target = (b.formaction ?? form.action).replace('/cgi-bin/', '');
+        assert.ok(!b.formaction?.includes('?'), `${what}: a read carries no token`);
+        const target = (b.formaction ?? action).replace('/cgi-bin/', '');
         assert.ok(PAGES.includes(target), `${what}: posts to ${target}`);
         const { need, read } = reads(target, posted);
         const names = [...new Set([...fields.map((c) => c.name), b.name].filter(Boolean))];
