@@ -9,11 +9,17 @@ import { dirname } from 'node:path';
 
 export const form = { 'Content-Type': 'application/x-www-form-urlencoded' };
 
-// The verbs a viewer may use: the ones that only read. Kept here, apart
-// from the list the configurations are made from, so a slip there shows.
-export const readingVerbs = ['version', 'session', 'fru', 'frudata', 'fruinfo', 'getfruledstate', 'board', 'ipmc',
+// The verbs a viewer may use: the ones that only read, whatever is posted
+// (frudata writes with to_write, sel clears, alarm changes alarms). And
+// the verbs whose command with no fields at all only reads, which GET may
+// run. Kept here, apart from the lists the configurations are made from,
+// so a slip there shows.
+export const readingVerbs = ['version', 'session', 'fru', 'fruinfo', 'getfruledstate', 'board', 'ipmc',
   'sensor', 'sensordata', 'getthreshold', 'gethysteresis', 'getsensoreventenable', 'fans', 'getfanlevel',
   'getlanconfig', 'getpef', 'showunhealthy', 'getipmbstate'];
+export const getVerbs = ['version', 'session', 'alarm', 'board', 'fans', 'fru', 'frudata', 'getfruledstate',
+  'gethysteresis', 'getlanconfig', 'getpef', 'getsensoreventenable', 'getthreshold', 'ipmc', 'sel', 'sensor',
+  'sensordata', 'shelf', 'showunhealthy'];
 export const verbRequests = [
   ['activate', 'command=activate&addr1_0=0x82&id2_0=0'],
   ['alarm', 'x=1'],

@@ -8,16 +8,19 @@ import { describe, test, before, after } from 'node:test';
 import assert from 'node:assert/strict';
 import http from 'node:http';
 import tls from 'node:tls';
-import { readFileSync } from 'node:fs';
+import { chmodSync, existsSync, lstatSync, readFileSync, renameSync, rmSync, statSync, symlinkSync, writeFileSync } from 'node:fs';
+import { execFileSync } from 'node:child_process';
 import { join } from 'node:path';
 import { request as playwrightRequest } from 'playwright-core';
 import { startServer, freePort, repo } from './serve.mjs';
 import { launchChromium } from './chromium.mjs';
-import { expectDirectAnswers, form, readingVerbs } from './requests.mjs';
+import { expectDirectAnswers, form, getVerbs, readingVerbs } from './requests.mjs';
 
 const verbs = readFileSync(join(repo, 'deploy/verbs.txt'), 'utf8').split('\n').filter(Boolean);
 const policy = "default-src 'none'; style-src 'self'; img-src 'self'; form-action 'self'; frame-src 'self'; "
   + "frame-ancestors 'self'; base-uri 'none'";
+// What the gateway answers may hold markup from the tool: it is sandboxed.
+const answerPolicy = `${policy}; sandbox`;
 
 // VERBGW_SERVERS=nginx (say) tries one server alone.
 const servers = (process.env.VERBGW_SERVERS ?? 'lighttpd,apache,nginx').split(',');
@@ -82,7 +85,7 @@ async function logged(path, awaited = /./) {
   let lines = [];
   for (let i = 0; i < 60 && !lines.some((l) => awaited.test(l)); i++) {
     if (i > 0) await new Promise((r) => setTimeout(r, 100));
-    lines = readFileSync(server.accessLog, 'utf8').split('\n').filter((l) => l.includes(` ${path} `));
+    lines = readFileSync(server.accessLog, 'utf8').split('\n').filter((l) => l.includes(` ${path} `) || l.includes(` ${path}?`));
   }
   return lines;
 }
@@ -169,9 +172,14 @@ test('every path needs a user, and only an operator changes the shelf', async ()
   const audit = /^\S+ 127\.0\.0\.1 operator "POST \/cgi-bin\/setfanlevel HTTP\/[\d.]+" 200 \d+$/;
   assert.ok((await logged('/cgi-bin/setfanlevel', audit)).some((l) => audit.test(l)));
 
+  // A viewer reaches only the verbs that read whatever is posted; a GET
+  // only those whose bare command reads, whoever sends it.
   for (const verb of verbs) {
-    const expected = readingVerbs.includes(verb) ? 200 : 403;
+    const expected = !readingVerbs.includes(verb) ? 403 : getVerbs.includes(verb) ? 200 : 405;
     assert.equal((await viewer.get(`${server.base}/cgi-bin/${verb}`)).status(), expected, `viewer on ${verb}`);
+    const byGet = getVerbs.includes(verb) ? 200 : 405;
+    assert.equal((await operator.get(`${server.base}/cgi-bin/${verb}`)).status(), byGet, `operator's GET of ${verb}`);
+    assert.equal((await operator.head(`${server.base}/cgi-bin/${verb}`)).status(), byGet, `operator's HEAD of ${verb}`);
   }
   for (const name of ['verbgw', 'sensor/../setfanlevel', 'sensor/x']) {
     assert.equal((await viewer.get(`${server.base}/cgi-bin/${name}`)).status(), 403, `viewer on ${name}`);
@@ -207,7 +215,7 @@ test('every response carries the protective headers; plain HTTP only redirects',
   };
   for (const [what, r] of Object.entries(responses)) {
     const h = r.headers();
-    assert.equal(h['content-security-policy'], policy, what);
+    assert.equal(h['content-security-policy'], what === 'gateway' ? answerPolicy : policy, what);
     assert.equal(h['x-content-type-options'], 'nosniff', what);
     assert.equal(h['x-frame-options'], 'SAMEORIGIN', what);
     assert.equal(h['referrer-policy'], 'same-origin', what);
@@ -215,6 +223,7 @@ test('every response carries the protective headers; plain HTTP only redirects',
     assert.doesNotMatch(h.server ?? '', /\d/, what);  // no version
   }
   assert.equal(responses.gateway.headers()['cache-control'], 'no-store');
+  assert.equal(responses.page.headers()['cache-control'], 'no-store');  // its tokens are for one load
   const plain = await anonymous.get(`${server.httpBase}/verbs/sensor.html?x=1`);
   assert.equal(plain.status(), 301);
   assert.equal(plain.headers().location, `${server.base}/verbs/sensor.html?x=1`);
@@ -256,5 +265,174 @@ test('250 connections that never send their body do not keep out another client'
   } finally {
     for (const socket of hung) socket.destroy();
   }
+});
+// Every field name the form pages post, and the ones only the gateway reads.
+const fieldNames = [...new Set([...readFileSync(join(repo, 'fuzz/form_fields.dict'), 'utf8').matchAll(/"([a-z_0-9]+)="/g)]
+  .map((m) => m[1]).concat(['to_write', 'command', 'value', 'slot', 'verbose', 'channel', 'parameter', 'sel']))];
+
+test('a viewer changes nothing, whatever it posts', async () => {
+  const viewer = await api('viewer');
+  const before = readFileSync(server.state, 'utf8');
+  // Every field at once, with values that would change the shelf if a
+  // verb put them anywhere but in a reading command's argument places.
+  const body = fieldNames.map((n) => `${n}=${encodeURIComponent('0x72 0 15 clear all -w')}`).join('&');
+  for (const verb of readingVerbs) {
+    const page = await viewer.post(`${server.base}/cgi-bin/${verb}`, { data: body, headers: form });
+    assert.equal(page.status(), 200, verb);
+  }
+  // The verbs that can change the shelf are refused, however the field
+  // that changes is spelt.
+  const writes = [['frudata', 'addr1_0=0x82&id2_0=0&offset=0&to_write=0xde'], ['frudata', 'addr1_0=0x82&to%5Fwrite=1'],
+    ['frudata', '%74o_write=1&addr1_0=0x82'], ['sel', 'req_type_sel=1&addr1_0=0x20'], ['sel', 'req_type_sel=%31'],
+    ['alarm', 'command=clear+all'], ['setfanlevel', 'addr1_0=0x72&id2_0=0&value=15']];
+  for (const [verb, data] of writes) {
+    assert.equal((await viewer.post(`${server.base}/cgi-bin/${verb}`, { data, headers: form })).status(), 403, data);
+  }
+  assert.equal(readFileSync(server.state, 'utf8'), before);
+  await viewer.dispose();
+});
+
+// The operator's browser, logged in, on a form page.
+async function operatorAt(path) {
+  const context = await browser.newContext({ ignoreHTTPSErrors: true,
+    httpCredentials: { username: 'operator', password: server.accounts.operator.password, send: 'always' } });
+  const page = await context.newPage();
+  page.on('dialog', (d) => d.accept());  // a resubmission question is answered yes: the worst case
+  await page.goto(`${server.base}${path}`);
+  return page;
+}
+const answerFrame = (page) => page.frame('answer');
+async function pressAndWait(page, button) {
+  await Promise.all([
+    page.waitForEvent('framenavigated', (f) => f.name() === 'answer' && f.url().includes('/cgi-bin/')), button.click()]);
+  await answerFrame(page).waitForLoadState();
+}
+// History steps wait for what they load, which may be only the frame.
+const settle = (page) => page.waitForTimeout(400);
+
+test('markup in a tool\'s answer sends nothing that changes the shelf', async () => {
+  // A shelf prints text that comes from boards (FRU names, event text):
+  // here the FRU information is hostile markup.
+  const dir = join(server.tool, '..');
+  renameSync(server.tool, `${server.tool}.sim`);
+  writeFileSync(join(dir, 'markup'), ['<img src="/cgi-bin/switchover">', '<link rel="stylesheet" href="/cgi-bin/switchover">',
+    '<meta http-equiv="refresh" content="1; url=/cgi-bin/reset">',
+    '<form method="POST" action="/cgi-bin/setfanlevel"><input name="addr1_0" value="0x72"><input name="id2_0" value="0">'
+      + '<input name="value" value="15"><button id="expired">Session expired: continue</button></form>',
+    '<a id="top" href="/cgi-bin/switchover" target="_top">more</a>', ''].join('\n'));
+  writeFileSync(server.tool, `#!/bin/sh
+IFS= read -r command
+here=$(dirname "$0")
+case "$command" in
+fruinfo*) printf 'Shelf\\nCLI> %s\\n' "$command"; cat "$here/markup"; printf 'CLI> quit\\n' ;;
+*) { printf '%s\\n' "$command"; cat; } | exec "$here/shelfctl.sim" ;;
+esac
+`);
+  chmodSync(server.tool, 0o755);
+  try {
+    const before = readFileSync(server.state, 'utf8');
+    const earlier = readFileSync(server.accessLog, 'utf8').length;
+    const page = await operatorAt('/verbs/fruinfo.html');
+    const f = page.locator('#form-address');
+    await f.locator('[name="addr1_0"]').fill('0x82');
+    await f.locator('[name="id2_0"]').fill('0');
+    await pressAndWait(page, f.getByRole('button', { name: 'Show' }));
+    await settle(page);
+    const frame = answerFrame(page);
+    assert.equal(await frame.locator('#expired').count(), 1, 'the markup landed');
+    await frame.locator('#expired').click({ timeout: 2000 }).catch(() => {});
+    await frame.locator('#top').click({ timeout: 2000 }).catch(() => {});
+    await page.waitForTimeout(2000);  // the refresh, too
+    assert.match(page.url(), /\/verbs\/fruinfo\.html$/, 'the page itself was not navigated');
+    // Whatever reached the server was refused before the gateway started
+    // (what comes from the sandboxed answer even goes without credentials).
+    const since = readFileSync(server.accessLog, 'utf8').slice(earlier).split('\n')
+      .filter((l) => /\/cgi-bin\/(switchover|setfanlevel|reset)\b/.test(l));
+    assert.ok(since.every((l) => / (401|403|405) \d+$/.test(l)), since.join("\n"));
+    assert.equal(readFileSync(server.state, 'utf8'), before);
+    await page.context().close();
+  } finally {
+    renameSync(`${server.tool}.sim`, server.tool);
+  }
+});
+
+// One press, then what an operator does with history: the answer's own
+// back link, Back, Forward, reloading, another page and Back again.
+// Exactly one change request is accepted; the replays are refused.
+const presses = [
+  ['reset', 'slot', { slot: '3' }, 'Reset the board'],
+  ['setfanlevel', 'address', { addr1_0: '0x72', id2_0: '0', value: '6' }, 'Set the level'],
+  ['sel', 'address', { addr1_0: '0x20' }, 'Clear the log'],
+];
+for (const [verb, formKey, fields, label] of presses) {
+  test(`one press of "${label}" sends one ${verb}, whatever history does`, async () => {
+    const accepted = async (atLeast = 0) => {
+      let count = 0;
+      for (let i = 0; i < 30; i++) {
+        count = (await logged(`/cgi-bin/${verb}`)).filter((l) => /"POST \S+ HTTP\/[\d.]+" 200 /.test(l)).length;
+        if (count >= atLeast) break;
+        await new Promise((r) => setTimeout(r, 100));
+      }
+      return count;
+    };
+    const earlier = await accepted();
+    const page = await operatorAt(`/verbs/${verb}.html`);
+    const f = page.locator(`#form-${formKey}`);
+    for (const [name, value] of Object.entries(fields)) await f.locator(`[name="${name}"]`).fill(value);
+    await f.locator('[name="confirm"]').check();
+    await pressAndWait(page, f.getByRole('button', { name: label, exact: true }));
+    assert.equal(await accepted(earlier + 1), earlier + 1, 'the press');
+    await answerFrame(page).getByRole('link').click();
+    await settle(page);
+    const moves = { timeout: 1000 };  // a step that only moves the frame never loads the page
+    for (const step of [() => page.goBack(moves), () => page.goForward(moves), () => page.goBack(moves), () => page.reload(moves),
+      () => page.goto(`${server.base}/verbs/index.html`), () => page.goBack(moves), () => page.goBack(moves),
+      () => page.goForward(moves)]) {
+      await step().catch(() => {});
+      await settle(page);
+    }
+    await page.goto(`${server.base}/verbs/${verb}.html`);
+    await page.goBack(moves).catch(() => {});
+    await page.waitForTimeout(1500);
+    assert.equal(await accepted(), earlier + 1, (await logged(`/cgi-bin/${verb}`)).join('\n'));
+    if (page.url().endsWith(`/verbs/${verb}.html`)) {
+      assert.equal(await page.locator(`#form-${formKey} [name="confirm"]`).isChecked(), false, 'restored ticked');
+    }
+    await page.context().close();
+  });
+}
+
+test('nothing the server account writes is trusted by root', { skip: process.getuid() !== 0 && 'needs root' }, async () => {
+  // What root owns in the run directory, and a victim outside it.
+  const victim = join(server.dir, 'victim');
+  writeFileSync(victim, 'root\'s own\n');
+  chmodSync(server.dir, 0o755);
+  for (const f of ['policy.lua', `${serverName === 'apache' ? 'httpd' : serverName}.conf`]) {
+    const info = statSync(join(server.run, f));
+    assert.ok(info.uid === 0 && (info.mode & 0o022) === 0, `${f} is root's alone`);
+  }
+  assert.ok(statSync(server.run).uid === 0 && (statSync(server.run).mode & 0o022) === 0, 'the run directory is root\'s');
+  // As the server account: every path it can write is filled with links
+  // to the victim and with files root might take for its own.
+  const asServer = (script) => execFileSync('setpriv', ['--reuid=www-data', '--regid=www-data', '--clear-groups',
+    'sh', '-c', script], { stdio: 'pipe' });
+  asServer(`cd '${server.run}' || exit 1
+    for d in log spool spool/once spool/uploads; do
+      [ -w "$d" ] || continue
+      for f in access.log error.log policy.lua lighttpd.conf httpd.conf nginx.conf fcgiwrap.sock x; do
+        rm -rf "$d/$f"; ln -s '${victim}' "$d/$f"
+      done
+    done
+    for f in policy.lua lighttpd-policy.lua apache-policy.lua; do ln -sf '${victim}' "$f" 2>/dev/null; done
+    ln -s '${victim}' log/../victim 2>/dev/null; true`);
+  await server.restart();
+  const operator = await api('operator');
+  assert.equal((await operator.get(`${server.base}/cgi-bin/switchover`)).status(), 405, 'the policy holds');
+  const page = await operator.post(`${server.base}/cgi-bin/version`, { data: 'x=1', headers: form });
+  assert.equal(page.status(), 200);
+  await operator.dispose();
+  assert.equal(readFileSync(victim, 'utf8'), 'root\'s own\n');
+  assert.equal(lstatSync(victim).uid, 0);
+  for (const d of ['log', 'spool']) assert.equal(lstatSync(join(server.run, d)).isSymbolicLink(), false, d);
 });
 });

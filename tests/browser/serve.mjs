@@ -58,8 +58,17 @@ export async function startServer({ build = process.env.VERBGW_BUILD ?? join(rep
   // BusyBox httpd speaks plain HTTP only, on PORT.
   const busybox = name === 'busybox';
   const script = join(install, busybox ? 'deploy/busybox/serve' : 'deploy/serve');
-  const server = spawn(script, [join(install, 'www'), run, toolDir], { env, stdio: ['ignore', 'ignore', 'inherit'] });
-  for (let i = 0; i < 100 && !(await accepting(port)); i++) await new Promise((r) => setTimeout(r, 50));
+  const launch = async () => {
+    const started = spawn(script, [join(install, 'www'), run, toolDir], { env, stdio: ['ignore', 'ignore', 'inherit'] });
+    for (let i = 0; i < 100 && !(await accepting(port)); i++) await new Promise((r) => setTimeout(r, 50));
+    return started;
+  };
+  const halt = async (running) => {
+    running.kill('SIGTERM');
+    await new Promise((r) => (running.exitCode !== null || running.signalCode !== null ? r() : running.once('exit', r)));
+    for (let i = 0; i < 100 && (await accepting(port)); i++) await new Promise((r) => setTimeout(r, 50));
+  };
+  let server = await launch();
   return {
     base: `${busybox ? 'http' : 'https'}://127.0.0.1:${port}`,
     httpBase: `http://127.0.0.1:${httpPort}`,
@@ -68,13 +77,18 @@ export async function startServer({ build = process.env.VERBGW_BUILD ?? join(rep
     root: join(install, 'www'),
     tool: join(toolDir, 'shelfctl'),
     state,
-    accessLog: join(run, 'access.log'),
+    run,
+    accessLog: join(run, 'log/access.log'),
     accounts,
     // The Authorization header of an account.
     basic: (role) => `Basic ${Buffer.from(`${role}:${accounts[role].password}`).toString('base64')}`,
+    // Stopped and started again, as a device's service would be.
+    async restart() {
+      await halt(server);
+      server = await launch();
+    },
     async stop() {
-      server.kill('SIGTERM');
-      await new Promise((r) => server.once('exit', r));
+      await halt(server);
       rmSync(dir, { recursive: true, force: true });
     },
   };
