@@ -7,6 +7,7 @@
 import { describe, test, before, after } from 'node:test';
 import assert from 'node:assert/strict';
 import http from 'node:http';
+import https from 'node:https';
 import tls from 'node:tls';
 import { chmodSync, existsSync, lstatSync, readFileSync, renameSync, rmSync, statSync, symlinkSync, writeFileSync } from 'node:fs';
 import { execFileSync } from 'node:child_process';
@@ -434,5 +435,49 @@ test('nothing the server account writes is trusted by root', { skip: process.get
   assert.equal(readFileSync(victim, 'utf8'), 'root\'s own\n');
   assert.equal(lstatSync(victim).uid, 0);
   for (const d of ['log', 'spool']) assert.equal(lstatSync(join(server.run, d)).isSymbolicLink(), false, d);
+});
+// A plain request from another loopback address, with the given
+// Authorization header; its status and how long it took.
+function requestFrom(localAddress, authorization, path = '/verbs/index.html') {
+  const start = process.hrtime.bigint();
+  return new Promise((ok, fail) => {
+    const req = https.request({ host: '127.0.0.1', port: server.port, path, localAddress, agent: false,
+      rejectUnauthorized: false, headers: authorization ? { Authorization: authorization } : {} }, (res) => {
+      res.resume();
+      res.on('end', () => ok({ status: res.statusCode, ms: Number(process.hrtime.bigint() - start) / 1e6 }));
+    });
+    req.on('error', fail);
+    req.end();
+  });
+}
+const basicOf = (name, password) => `Basic ${Buffer.from(`${name}:${password}`).toString('base64')}`;
+
+test('guessing passwords is slow and tells nothing', async (t) => {
+  // Unknown names and wrong passwords look alike.
+  const unknown = [], wrong = [];
+  for (let i = 0; i < 10; i++) {
+    unknown.push(await requestFrom('127.0.0.4', basicOf(`nobody${i}`, 'x'), '/cgi-bin/setfanlevel'));
+    wrong.push(await requestFrom('127.0.0.4', basicOf('viewer', `x${i}`), '/cgi-bin/setfanlevel'));
+  }
+  assert.deepEqual(new Set([...unknown, ...wrong].map((r) => r.status)), new Set([401]));
+  const median = (rs) => rs.map((r) => r.ms).sort((a, b) => a - b)[rs.length >> 1];
+  t.diagnostic(`${serverName}: median ms, unknown name ${median(unknown).toFixed(1)}, wrong password ${median(wrong).toFixed(1)}`);
+  // One address guessing, four at a time: 60 failed checks a minute are
+  // answered (and those already under way when the 60th failed), then
+  // every request is held, even with the right password; another address
+  // is served.
+  const statuses = [];
+  for (let i = 0; i < 20; i++) {
+    const round = await Promise.all([0, 1, 2, 3].map((j) => requestFrom('127.0.0.3', basicOf('operator', `guess${i}.${j}`))));
+    statuses.push(...round.map((r) => r.status));
+  }
+  const answered = statuses.filter((s) => s === 401).length;
+  assert.ok(answered >= 60 && answered <= 63, statuses.join(' '));
+  assert.deepEqual(new Set(statuses.slice(64)), new Set([429]));
+  assert.equal((await requestFrom('127.0.0.3', server.basic('operator'))).status, 429);
+  assert.equal((await requestFrom('127.0.0.1', server.basic('operator'))).status, 200);
+  // Whose password was never checked is not logged as a user.
+  const guessed = readFileSync(server.accessLog, 'utf8').split('\n').filter((l) => / 127\.0\.0\.[34] /.test(l));
+  assert.ok(guessed.every((l) => / 127\.0\.0\.[34] - "/.test(l)), guessed.find((l) => !/ - "/.test(l)));
 });
 });
