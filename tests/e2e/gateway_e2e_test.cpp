@@ -136,10 +136,13 @@ TEST(GatewayE2E, EveryHostileRequestEndsInAPageOrInSilence) {
 }
 
 // The page shows what follows the tool's first prompt, up to the next; a
-// tool that falls silent or floods is ended (here after 1 s or 1 MiB) and
-// never outlives the request.
+// tool that falls silent, floods or is still running at its deadline is
+// ended (here after 1 s, 1 MiB or 3 s) and never outlives the request.
 TEST(GatewayE2E, TheToolsAnswerIsCutToWhatFollowsThePromptAndBounded) {
-    const std::string long_line(300, 'L'), silent = "verbgw: shelfctl gave no output for 1 s; ended\n";
+    const std::string long_line(300, 'L'), silent = "verbgw: shelfctl gave no output for 1 s; ended\n",
+                      overdue = "verbgw: shelfctl ran past 3 s; ended\n",
+                      too_long = "verbgw: shelfctl's answer reached 1 MiB; ended\n",
+                      answer = "banner\nCLI> \nanswer\nCLI> \n";
     std::string flood = "CLI> \n";
     while (flood.size() < (1u << 20)) flood += "more output after the prompt\n";
     const struct {
@@ -157,11 +160,13 @@ TEST(GatewayE2E, TheToolsAnswerIsCutToWhatFollowsThePromptAndBounded) {
         {"CLI> \nan empty line\n\nin the answer\nCLI> \n", "read", "an empty line\n\nin the answer\n"},
         {"CLI> \n" + std::string(254, 'x') + "CLI> cut at 254 bytes\n", "read", std::string(254, 'x')},
         {"CLI> \nNUL\x7f" "ends a line's text\nnext\nCLI> \n", "read", "NULnext\n"},
-        {"banner\nCLI> \nanswer\nCLI> \n", "noread", "answer\n"},
-        {"banner\nCLI> \nanswer\nCLI> \n", "flood", "answer\n"},
+        {answer, "noread", "answer\n"},
+        {answer, "flood", "answer\n"},
         {"", "hang", "", silent, true},
         {"banner\nCLI> \npartial\n", "hang", "partial\n", silent, true},
-        {"CLI> \n", "flood", flood.substr(6, (1u << 20) - 6), "verbgw: shelfctl's answer reached 1 MiB; ended\n", true},
+        {"CLI> \n", "flood", flood.substr(6, (1u << 20) - 6), too_long, true},
+        {answer, "hang", "answer\n", overdue, true},
+        {"banner\n", "trickle", "", overdue, true},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.mode + ": " + c.output.substr(0, 40));

@@ -12,6 +12,7 @@
 //                noread: print without reading, then exit
 //                flood: read, print, then print lines until the pipe closes
 //                hang: read, print, then never end
+//                trickle: read, print, then a line every 0.25 s, never ending
 //                warn: print a warning on standard error, then as read
 #include <fcntl.h>
 #include <signal.h>
@@ -67,6 +68,7 @@ int main(int, char** argv) {
     for (char& c : answer) c = c == '\x7f' ? '\0' : c;
     write_all(1, answer);
     while (mode == "flood") write_all(1, "more output after the prompt\n");
+    while (mode == "trickle") write_all(1, "waiting for the shelf\n"), usleep(250000);
     while (mode == "hang") pause();
     return 0;
 }
