@@ -48,7 +48,7 @@ void wait_for(pid_t pid) {
 void end_tool_and_exit(int sig) {
     pid_t tool = running_tool;
     if (tool > 0) {
-        kill(tool, SIGKILL);
+        kill(-tool, SIGKILL);  // the tool leads its own group (become_tool)
         wait_for(tool);
     }
     _exit(128 + sig);
@@ -107,6 +107,8 @@ void move_fd(int fd, int target) {
     for (int sig : ending_signals) sigaction(sig, &defaults, nullptr);
     sigset_t none = no_signals();
     sigprocmask(SIG_SETMASK, &none, nullptr);
+    // Its own process group, so that ending it also ends what it started.
+    setpgid(0, 0);
     move_fd(input, STDIN_FILENO);
     move_fd(output, STDOUT_FILENO);
     char argv0[] = "shelfctl";
@@ -142,7 +144,7 @@ void end_tool_with_gateway() {
     ending.sa_mask = no_signals();
     for (int sig : ending_signals) sigaction(sig, &ending, nullptr);
     // Not ignored, as a server may leave it: an ignored SIGCHLD reaps the
-    // tool at its exit and frees its pid while the gateway may still signal it.
+    // tool at its exit and frees its group id before its group is ended.
     struct sigaction child_default = {};
     child_default.sa_handler = SIG_DFL;
     sigaction(SIGCHLD, &child_default, nullptr);
@@ -198,9 +200,10 @@ int start_tool(const char* path, tool_process& tool) {
 
 bool end_tool(tool_process& tool, bool kill_first, std::int64_t deadline_ms) {
     bool in_time = kill_first || await_exit(tool.pid, deadline_ms);
-    // The unreaped tool holds its pid: no other process can have taken it.
-    // Once it is reaped, a signal must no longer look for it.
-    if (kill_first || !in_time) kill(tool.pid, SIGKILL);
+    // The unreaped tool holds its pid, and so its group id: no other group
+    // can have taken it. Once it is reaped, a signal must no longer look
+    // for it.
+    kill(-tool.pid, SIGKILL);
     running_tool = 0;
     wait_for(tool.pid);
     return in_time;

@@ -137,7 +137,8 @@ TEST(GatewayE2E, EveryHostileRequestEndsInAPageOrInSilence) {
 
 // The page shows what follows the tool's first prompt, up to the next; a
 // tool that falls silent, floods or is still running at its deadline is
-// ended (here after 1 s, 1 MiB or 3 s) and never outlives the request.
+// ended (here after 1 s, 1 MiB or 3 s) and never outlives the request, nor
+// does any process it started in its group.
 TEST(GatewayE2E, TheToolsAnswerIsCutToWhatFollowsThePromptAndBounded) {
     const std::string long_line(300, 'L'), silent = "verbgw: shelfctl gave no output for 1 s; ended\n",
                       overdue = "verbgw: shelfctl ran past 3 s; ended\n",
@@ -167,6 +168,10 @@ TEST(GatewayE2E, TheToolsAnswerIsCutToWhatFollowsThePromptAndBounded) {
         {"CLI> \n", "flood", flood.substr(6, (1u << 20) - 6), too_long, true},
         {answer, "hang", "answer\n", overdue, true},
         {"banner\n", "trickle", "", overdue, true},
+        {answer, "fork-read", "answer\n"},
+        {answer, "fork-hang", "answer\n", overdue, true},
+        {"banner\nCLI> \npartial\n", "fork-hang", "partial\n", silent, true},
+        {"CLI> \n", "fork-flood", flood.substr(6, (1u << 20) - 6), too_long, true},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.mode + ": " + c.output.substr(0, 40));
@@ -180,6 +185,8 @@ TEST(GatewayE2E, TheToolsAnswerIsCutToWhatFollowsThePromptAndBounded) {
         EXPECT_EQ(r.err, c.complaint);
         EXPECT_EQ(r.tool_input, c.mode == "noread" ? "" : "version\nquit\n\n");
         EXPECT_FALSE(process_alive(r.tool_pid));
+        EXPECT_EQ(r.tool_child > 0, c.mode.starts_with("fork-"));
+        EXPECT_TRUE(r.tool_child == 0 || process_ends(r.tool_child));
     }
 }
 
@@ -211,11 +218,11 @@ TEST(GatewayE2E, AToolThatCannotStartIsReported) {
                                             page_after_tool);
 }
 
-TEST(GatewayE2E, EndedByASignalItEndsAndReapsTheToolFirst) {
+TEST(GatewayE2E, EndedByASignalItEndsTheToolsGroupAndReapsTheToolFirst) {
     for (int sig : {SIGTERM, SIGHUP, SIGINT, SIGQUIT, SIGALRM, SIGUSR1, SIGUSR2}) {
         SCOPED_TRACE(sig);
         gateway_request hung = get("version");
-        hung.tool_mode = "hang";
+        hung.tool_mode = "fork-hang";
         hung.while_running = [sig](int gateway, int) {  // as a server's timeout does
             usleep(100000);
             kill(gateway, sig);
@@ -227,6 +234,8 @@ TEST(GatewayE2E, EndedByASignalItEndsAndReapsTheToolFirst) {
         EXPECT_EQ(r.out.substr(0, page_before_tool.size()), page_before_tool);
         ASSERT_GT(r.tool_pid, 0);
         EXPECT_FALSE(process_alive(r.tool_pid));
+        ASSERT_GT(r.tool_child, 0);
+        EXPECT_TRUE(process_ends(r.tool_child));
     }
 }
 
