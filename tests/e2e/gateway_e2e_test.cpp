@@ -141,9 +141,8 @@ TEST(GatewayE2E, EveryHostileRequestEndsInAPageOrInSilence) {
 // does any process it started in its group.
 TEST(GatewayE2E, TheToolsAnswerIsCutToWhatFollowsThePromptAndBounded) {
     const std::string long_line(300, 'L'), silent = "verbgw: shelfctl gave no output for 1 s; ended\n",
-                      overdue = "verbgw: shelfctl ran past 3 s; ended\n",
-                      too_long = "verbgw: shelfctl's answer reached 1 MiB; ended\n",
-                      answer = "banner\nCLI> \nanswer\nCLI> \n";
+                      overdue = "verbgw: shelfctl ran past 3 s; ended\n", answer = "banner\nCLI> \nanswer\nCLI> \n",
+                      flooded = "verbgw: shelfctl's answer reached 1 MiB; ended\n";
     std::string flood = "CLI> \n";
     while (flood.size() < (1u << 20)) flood += "more output after the prompt\n";
     const struct {
@@ -164,14 +163,11 @@ TEST(GatewayE2E, TheToolsAnswerIsCutToWhatFollowsThePromptAndBounded) {
         {answer, "noread", "answer\n"},
         {answer, "flood", "answer\n"},
         {"", "hang", "", silent, true},
-        {"banner\nCLI> \npartial\n", "hang", "partial\n", silent, true},
-        {"CLI> \n", "flood", flood.substr(6, (1u << 20) - 6), too_long, true},
-        {answer, "hang", "answer\n", overdue, true},
+        {"banner\nCLI> \npartial\n", "fork-hang", "partial\n", silent, true},
+        {"CLI> \n", "fork-flood", flood.substr(6, (1u << 20) - 6), flooded, true},
+        {answer, "fork-hang", "answer\n", overdue, true},
         {"banner\n", "trickle", "", overdue, true},
         {answer, "fork-read", "answer\n"},
-        {answer, "fork-hang", "answer\n", overdue, true},
-        {"banner\nCLI> \npartial\n", "fork-hang", "partial\n", silent, true},
-        {"CLI> \n", "fork-flood", flood.substr(6, (1u << 20) - 6), too_long, true},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.mode + ": " + c.output.substr(0, 40));
@@ -234,8 +230,7 @@ TEST(GatewayE2E, EndedByASignalItEndsTheToolsGroupAndReapsTheToolFirst) {
         EXPECT_EQ(r.out.substr(0, page_before_tool.size()), page_before_tool);
         ASSERT_GT(r.tool_pid, 0);
         EXPECT_FALSE(process_alive(r.tool_pid));
-        ASSERT_GT(r.tool_child, 0);
-        EXPECT_TRUE(process_ends(r.tool_child));
+        EXPECT_TRUE(r.tool_child > 0 && process_ends(r.tool_child));
     }
 }
 

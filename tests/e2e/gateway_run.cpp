@@ -139,11 +139,9 @@ gateway_result run_gateway(const gateway_request& request) {
 bool process_alive(int pid) { return pid > 0 && (kill(pid, 0) == 0 || errno != ESRCH); }
 
 bool process_ends(int pid) {
-    for (int waited_ms = 0; waited_ms < 5000; ++waited_ms) {
-        std::string stat = slurp("/proc/" + std::to_string(pid) + "/stat");
-        std::size_t name_end = stat.rfind(')');
-        if (name_end == std::string::npos || stat.compare(name_end, 3, ") Z") == 0) return true;
-        usleep(1000);
+    for (int waited_ms = 0; waited_ms < 5000; ++waited_ms, usleep(1000)) {
+        std::string stat = slurp("/proc/" + std::to_string(pid) + "/stat");  // "pid (name) state ..."
+        if (stat.empty() || stat[stat.rfind(')') + 2] == 'Z') return true;
     }
     return false;
 }

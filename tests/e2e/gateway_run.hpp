@@ -44,8 +44,7 @@ struct gateway_result {
 std::string slurp(const std::string& path);
 // True while the process `pid` exists.
 bool process_alive(int pid);
-// True once the process `pid` has ended: gone, or a zombie its new parent
-// has yet to reap. A process just sent SIGKILL gets up to 5 s to die.
+// True once `pid` is gone or a zombie; a process just killed gets 5 s.
 bool process_ends(int pid);
 
 gateway_result run_gateway(const gateway_request& request);

@@ -14,9 +14,8 @@
 //                hang: read, print, then never end
 //                trickle: read, print, then a line every 0.25 s, never ending
 //                warn: print a warning on standard error, then as read
-//                fork-<mode>: first start a child that sleeps for 30 s in
-//                the tool's process group, holding its pipes, and write its
-//                pid to <STUB_RECORD>.child; then as <mode>
+//                fork-<mode>: as <mode> after starting a child that sleeps
+//                30 s in the tool's group (its pid in <STUB_RECORD>.child)
 #include <fcntl.h>
 #include <signal.h>
 #include <unistd.h>
@@ -49,14 +48,10 @@ int main(int, char** argv) {
     const char* record = std::getenv("STUB_RECORD");
     const char* output = std::getenv("STUB_OUTPUT");
     std::string mode = std::getenv("STUB_MODE") ? std::getenv("STUB_MODE") : "read";
-    if (mode.starts_with("fork-")) {
+    if (mode.starts_with("fork-") && record) {
         mode.erase(0, 5);
-        pid_t child = fork();
-        if (child == 0) {
-            sleep(30);
-            _exit(0);
-        }
-        if (record) spill(std::string(record) + ".child", std::to_string(child));
+        if (pid_t child = fork(); child == 0) sleep(30), _exit(0);
+        else spill(std::string(record) + ".child", std::to_string(child));
     }
     int input_file = record ? open(record, O_WRONLY | O_CREAT | O_TRUNC, 0600) : -1;
     if (record) {
