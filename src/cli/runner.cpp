@@ -27,8 +27,11 @@ filter_step output_filter::next(std::string_view piece) {
     return filter_step::copy;
 }
 
-piece_reader::piece_reader(int fd, tool_limits limits)
-    : fd_(fd), silence_ms_(limits.silence_seconds * 1000), max_bytes_(limits.max_output_mib << 20) {}
+piece_reader::piece_reader(int fd, tool_limits limits, std::int64_t deadline_ms)
+    : fd_(fd),
+      silence_ms_(limits.silence_seconds * 1000),
+      deadline_ms_(deadline_ms),
+      max_bytes_(limits.max_output_mib << 20) {}
 
 bool piece_reader::refill() {
     if (end_ != output_end::open) return false;
@@ -36,12 +39,15 @@ bool piece_reader::refill() {
         end_ = output_end::too_long;
         return false;
     }
+    // The silence limit, or the time left when the deadline comes first.
+    std::int64_t left = deadline_ms_ - monotonic_ms();
+    int wait_ms = left >= silence_ms_ ? silence_ms_ : left > 0 ? static_cast<int>(left) : 0;
     pollfd ready = {fd_, POLLIN, 0};
     int polled;
-    while ((polled = poll(&ready, 1, silence_ms_)) < 0 && errno == EINTR) {
+    while ((polled = poll(&ready, 1, wait_ms)) < 0 && errno == EINTR) {
     }
     if (polled == 0) {
-        end_ = output_end::silent;
+        end_ = wait_ms < silence_ms_ ? output_end::overdue : output_end::silent;
         return false;
     }
     std::size_t room = max_bytes_ - total_ < sizeof buf_ ? max_bytes_ - total_ : sizeof buf_;
@@ -146,18 +152,22 @@ void run_cli_command(std::FILE* out, const command_text& command) {
         std::fprintf(out, "Error, %d\n", -err);
         return;
     }
-    send_command(tool.input, command);
     const tool_limits limits = tool_limits_in_force;
-    piece_reader reader(tool.output, limits);
+    const std::int64_t deadline_ms = monotonic_ms() + std::int64_t{limits.deadline_seconds} * 1000;
+    send_command(tool.input, command);
+    piece_reader reader(tool.output, limits, deadline_ms);
     copy_answer(reader, out);
     // Whatever the tool still prints is not read: closing our end makes a
     // tool that goes on printing stop instead of blocking on a full pipe.
     close(tool.output);
     output_end end = reader.end();
-    reap_tool(tool, end == output_end::silent || end == output_end::too_long);
+    if (!end_tool(tool, end != output_end::open && end != output_end::closed, deadline_ms))
+        end = output_end::overdue;
     if (end == output_end::silent) {
         std::fprintf(stderr, "verbgw: shelfctl gave no output for %d s; ended\n", limits.silence_seconds);
     } else if (end == output_end::too_long) {
         std::fprintf(stderr, "verbgw: shelfctl's answer reached %zu MiB; ended\n", limits.max_output_mib);
+    } else if (end == output_end::overdue) {
+        std::fprintf(stderr, "verbgw: shelfctl ran past %d s; ended\n", limits.deadline_seconds);
     }
 }

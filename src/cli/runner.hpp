@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <cstdio>
 #include <string_view>
 
@@ -25,26 +26,30 @@ private:
     bool copying_ = false;
 };
 
-// How long the tool may stay silent, and how much it may print, before the
-// gateway ends it, whatever web server runs the gateway.
+// How long the tool may stay silent, how much it may print and how long it
+// may run in all before the gateway ends it, whatever web server runs the
+// gateway.
 struct tool_limits {
     int silence_seconds;
     std::size_t max_output_mib;
+    int deadline_seconds;  // from the tool's start to its exit
 };
 
-// 30 s and 16 MiB (tool_limits.cpp, an object of its own in the library,
-// so that a test build that defines shorter ones links those instead).
+// 30 s, 16 MiB and 60 s (tool_limits.cpp, an object of its own in the
+// library, so that a test build that defines shorter ones links those
+// instead).
 extern const tool_limits tool_limits_in_force;
 
 // Why reading the tool's output ended.
-enum class output_end { open, closed, silent, too_long };
+enum class output_end { open, closed, silent, too_long, overdue };
 
 // Cuts a byte stream into the pieces the filter judges: up to and including
 // a line feed, at most max_output_piece bytes. Stops when the stream stays
-// silent for the limit's time or has given the limit's bytes.
+// silent for the limit's time, has given the limit's bytes, or at
+// `deadline_ms` on the monotonic clock (see monotonic_ms).
 class piece_reader {
 public:
-    piece_reader(int fd, tool_limits limits);
+    piece_reader(int fd, tool_limits limits, std::int64_t deadline_ms);
     // The next piece; false at the end of the output. A zero byte ends the
     // piece's text, as it ends a C string read by fgets.
     bool next(std::string_view& piece);
@@ -55,6 +60,7 @@ private:
 
     int fd_;
     int silence_ms_;
+    std::int64_t deadline_ms_;
     std::size_t max_bytes_, total_ = 0;
     output_end end_ = output_end::open;
     char buf_[4096];

@@ -1,5 +1,6 @@
-// How long shelfctl may stay silent and how much it may print: a silent
-// tool is ended after 30 s, an answer cut at 16 MiB.
+// How long shelfctl may stay silent, how much it may print and how long it
+// may run: a silent tool is ended after 30 s, an answer cut at 16 MiB, and
+// a tool still running 60 s after its start is ended.
 #include "cli/runner.hpp"
 
-extern const tool_limits tool_limits_in_force = {30, 16};
+extern const tool_limits tool_limits_in_force = {30, 16, 60};

@@ -4,10 +4,12 @@
 #include <signal.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
+#include <time.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstdlib>
+#include <cstring>
 #include <string_view>
 
 extern char** environ;
@@ -46,7 +48,7 @@ void wait_for(pid_t pid) {
 void end_tool_and_exit(int sig) {
     pid_t tool = running_tool;
     if (tool > 0) {
-        kill(tool, SIGKILL);
+        kill(-tool, SIGKILL);  // the tool leads its own group (become_tool)
         wait_for(tool);
     }
     _exit(128 + sig);
@@ -54,8 +56,38 @@ void end_tool_and_exit(int sig) {
 
 // Every request resolves each C library function it calls once, so the
 // signal sets are built here rather than with sigemptyset and sigaddset:
-// on Linux the empty set is all zero bits.
+// on Linux a set is the kernel's mask, signal n at bit n - 1 of its first
+// words, and the empty set is all zero bits.
 sigset_t no_signals() { return sigset_t{}; }
+
+void add_sigchld(sigset_t& set) {
+    unsigned long word;
+    std::memcpy(&word, &set, sizeof word);
+    word |= 1ul << (SIGCHLD - 1);
+    std::memcpy(&set, &word, sizeof word);
+}
+
+// True once the tool has exited (its pid still held, unreaped), false when
+// the deadline comes first. SIGCHLD is blocked since start_tool, so one
+// sent before sigtimedwait stays pending and ends the wait at once: a tool
+// that exits in time is seen exiting without delay, with no polling and
+// on any kernel or emulator.
+bool await_exit(pid_t pid, std::int64_t deadline_ms) {
+    sigset_t sigchld = no_signals();
+    add_sigchld(sigchld);
+    while (true) {
+        siginfo_t info;
+        info.si_pid = 0;
+        int got;
+        while ((got = waitid(P_PID, pid, &info, WEXITED | WNOHANG | WNOWAIT)) < 0 && errno == EINTR) {
+        }
+        if (got < 0 || info.si_pid == pid) return true;  // exited, or no child to wait for
+        std::int64_t left = deadline_ms - monotonic_ms();
+        if (left <= 0) return false;
+        timespec wait = {static_cast<time_t>(left / 1000), static_cast<long>(left % 1000 * 1000000)};
+        sigtimedwait(&sigchld, nullptr, &wait);  // a SIGCHLD, the timeout or EINTR: look again
+    }
+}
 
 // Puts `fd` at `target` without the close-on-exec flag.
 void move_fd(int fd, int target) {
@@ -75,6 +107,8 @@ void move_fd(int fd, int target) {
     for (int sig : ending_signals) sigaction(sig, &defaults, nullptr);
     sigset_t none = no_signals();
     sigprocmask(SIG_SETMASK, &none, nullptr);
+    // Its own process group, so that ending it also ends what it started.
+    setpgid(0, 0);
     move_fd(input, STDIN_FILENO);
     move_fd(output, STDOUT_FILENO);
     char argv0[] = "shelfctl";
@@ -93,6 +127,12 @@ void close_pipe(const int fds[2]) {
 
 }  // namespace
 
+std::int64_t monotonic_ms() {
+    timespec now;
+    clock_gettime(CLOCK_MONOTONIC, &now);
+    return static_cast<std::int64_t>(now.tv_sec) * 1000 + now.tv_nsec / 1000000;
+}
+
 void end_tool_with_gateway() {
     struct sigaction ignore = {};
     ignore.sa_handler = SIG_IGN;
@@ -103,6 +143,11 @@ void end_tool_with_gateway() {
     ending.sa_handler = end_tool_and_exit;
     ending.sa_mask = no_signals();
     for (int sig : ending_signals) sigaction(sig, &ending, nullptr);
+    // Not ignored, as a server may leave it: an ignored SIGCHLD reaps the
+    // tool at its exit and frees its group id before its group is ended.
+    struct sigaction child_default = {};
+    child_default.sa_handler = SIG_DFL;
+    sigaction(SIGCHLD, &child_default, nullptr);
 }
 
 int start_tool(const char* path, tool_process& tool) {
@@ -126,6 +171,7 @@ int start_tool(const char* path, tool_process& tool) {
     if (pid == 0) become_tool(path, to_tool[0], from_tool[1], exec_error[1]);
     int err = pid < 0 ? errno : 0;
     if (pid > 0) running_tool = pid;
+    add_sigchld(before);  // kept pending for await_exit, never handled
     sigprocmask(SIG_SETMASK, &before, nullptr);
     close(to_tool[0]);
     close(from_tool[1]);
@@ -138,8 +184,8 @@ int start_tool(const char* path, tool_process& tool) {
         }
         if (got == sizeof exec_err) {
             err = exec_err;
+            running_tool = 0;  // the child has ended by itself
             wait_for(pid);
-            running_tool = 0;
         }
     }
     close(exec_error[0]);
@@ -152,8 +198,13 @@ int start_tool(const char* path, tool_process& tool) {
     return 0;
 }
 
-void reap_tool(tool_process& tool, bool kill_first) {
-    if (kill_first) kill(tool.pid, SIGKILL);
-    wait_for(tool.pid);
+bool end_tool(tool_process& tool, bool kill_first, std::int64_t deadline_ms) {
+    bool in_time = kill_first || await_exit(tool.pid, deadline_ms);
+    // The unreaped tool holds its pid, and so its group id: no other group
+    // can have taken it. Once it is reaped, a signal must no longer look
+    // for it.
+    kill(-tool.pid, SIGKILL);
     running_tool = 0;
+    wait_for(tool.pid);
+    return in_time;
 }

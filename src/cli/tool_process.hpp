@@ -4,6 +4,8 @@
 
 #include <sys/types.h>
 
+#include <cstdint>
+
 #include "page/fixed_text.hpp"
 
 using tool_path = fixed_text<4096>;
@@ -19,16 +21,24 @@ struct tool_process {
     int output = -1;  // the tool's standard output
 };
 
+// Milliseconds on the monotonic clock, for the tool's deadline.
+std::int64_t monotonic_ms();
+
 // From here on, a signal that ends the gateway (SIGTERM from a web server's
 // timeout, SIGHUP, SIGINT, SIGQUIT, SIGALRM, SIGUSR1, SIGUSR2) first ends
-// and reaps the running tool; SIGPIPE is ignored, so a tool that never reads
-// its input cannot end the gateway.
+// the running tool's process group and reaps the tool; SIGPIPE is ignored,
+// so a tool that never reads its input cannot end the gateway; SIGCHLD is
+// back to its default, so the tool stays a zombie until it is reaped.
 void end_tool_with_gateway();
 
-// Starts the tool at `path` with the environment as it stands (see
-// keep_tool_environment); returns 0, or the error number of the failed
-// pipe, process or exec.
+// Starts the tool at `path` in a process group of its own with the
+// environment as it stands (see keep_tool_environment); returns 0, or the
+// error number of the failed pipe, process or exec. From then on SIGCHLD
+// stays blocked in the gateway, for end_tool to wait on.
 int start_tool(const char* path, tool_process& tool);
 
-// Waits for the tool to end; with `kill_first` ends it first.
-void reap_tool(tool_process& tool, bool kill_first);
+// Waits for the tool to exit, at most until `deadline_ms` (monotonic_ms);
+// with `kill_first`, or when the deadline passes, ends it instead. Either
+// way then kills what is left of its process group while the tool's pid is
+// still held, and reaps the tool. False when the deadline passed first.
+bool end_tool(tool_process& tool, bool kill_first, std::int64_t deadline_ms);

@@ -136,10 +136,13 @@ TEST(GatewayE2E, EveryHostileRequestEndsInAPageOrInSilence) {
 }
 
 // The page shows what follows the tool's first prompt, up to the next; a
-// tool that falls silent or floods is ended (here after 1 s or 1 MiB) and
-// never outlives the request.
+// tool that falls silent, floods or is still running at its deadline is
+// ended (here after 1 s, 1 MiB or 3 s) and never outlives the request, nor
+// does any process it started in its group.
 TEST(GatewayE2E, TheToolsAnswerIsCutToWhatFollowsThePromptAndBounded) {
-    const std::string long_line(300, 'L'), silent = "verbgw: shelfctl gave no output for 1 s; ended\n";
+    const std::string long_line(300, 'L'), silent = "verbgw: shelfctl gave no output for 1 s; ended\n",
+                      overdue = "verbgw: shelfctl ran past 3 s; ended\n", answer = "banner\nCLI> \nanswer\nCLI> \n",
+                      flooded = "verbgw: shelfctl's answer reached 1 MiB; ended\n";
     std::string flood = "CLI> \n";
     while (flood.size() < (1u << 20)) flood += "more output after the prompt\n";
     const struct {
@@ -157,11 +160,14 @@ TEST(GatewayE2E, TheToolsAnswerIsCutToWhatFollowsThePromptAndBounded) {
         {"CLI> \nan empty line\n\nin the answer\nCLI> \n", "read", "an empty line\n\nin the answer\n"},
         {"CLI> \n" + std::string(254, 'x') + "CLI> cut at 254 bytes\n", "read", std::string(254, 'x')},
         {"CLI> \nNUL\x7f" "ends a line's text\nnext\nCLI> \n", "read", "NULnext\n"},
-        {"banner\nCLI> \nanswer\nCLI> \n", "noread", "answer\n"},
-        {"banner\nCLI> \nanswer\nCLI> \n", "flood", "answer\n"},
+        {answer, "noread", "answer\n"},
+        {answer, "flood", "answer\n"},
         {"", "hang", "", silent, true},
-        {"banner\nCLI> \npartial\n", "hang", "partial\n", silent, true},
-        {"CLI> \n", "flood", flood.substr(6, (1u << 20) - 6), "verbgw: shelfctl's answer reached 1 MiB; ended\n", true},
+        {"banner\nCLI> \npartial\n", "fork-hang", "partial\n", silent, true},
+        {"CLI> \n", "fork-flood", flood.substr(6, (1u << 20) - 6), flooded, true},
+        {answer, "fork-hang", "answer\n", overdue, true},
+        {"banner\n", "trickle", "", overdue, true},
+        {answer, "fork-read", "answer\n"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.mode + ": " + c.output.substr(0, 40));
@@ -175,6 +181,8 @@ TEST(GatewayE2E, TheToolsAnswerIsCutToWhatFollowsThePromptAndBounded) {
         EXPECT_EQ(r.err, c.complaint);
         EXPECT_EQ(r.tool_input, c.mode == "noread" ? "" : "version\nquit\n\n");
         EXPECT_FALSE(process_alive(r.tool_pid));
+        EXPECT_EQ(r.tool_child > 0, c.mode.starts_with("fork-"));
+        EXPECT_TRUE(r.tool_child == 0 || process_ends(r.tool_child));
     }
 }
 
@@ -206,11 +214,11 @@ TEST(GatewayE2E, AToolThatCannotStartIsReported) {
                                             page_after_tool);
 }
 
-TEST(GatewayE2E, EndedByASignalItEndsAndReapsTheToolFirst) {
+TEST(GatewayE2E, EndedByASignalItEndsTheToolsGroupAndReapsTheToolFirst) {
     for (int sig : {SIGTERM, SIGHUP, SIGINT, SIGQUIT, SIGALRM, SIGUSR1, SIGUSR2}) {
         SCOPED_TRACE(sig);
         gateway_request hung = get("version");
-        hung.tool_mode = "hang";
+        hung.tool_mode = "fork-hang";
         hung.while_running = [sig](int gateway, int) {  // as a server's timeout does
             usleep(100000);
             kill(gateway, sig);
@@ -222,6 +230,7 @@ TEST(GatewayE2E, EndedByASignalItEndsAndReapsTheToolFirst) {
         EXPECT_EQ(r.out.substr(0, page_before_tool.size()), page_before_tool);
         ASSERT_GT(r.tool_pid, 0);
         EXPECT_FALSE(process_alive(r.tool_pid));
+        EXPECT_TRUE(r.tool_child > 0 && process_ends(r.tool_child));
     }
 }
 

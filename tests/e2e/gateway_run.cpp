@@ -130,11 +130,21 @@ gateway_result run_gateway(const gateway_request& request) {
     result.tool_env = slurp(record + ".env");
     std::string tool_pid = slurp(record + ".pid");
     if (!tool_pid.empty()) result.tool_pid = std::stoi(tool_pid);
+    std::string tool_child = slurp(record + ".child");
+    if (!tool_child.empty()) result.tool_child = std::stoi(tool_child);
     std::filesystem::remove_all(dir);
     return result;
 }
 
 bool process_alive(int pid) { return pid > 0 && (kill(pid, 0) == 0 || errno != ESRCH); }
+
+bool process_ends(int pid) {
+    for (int waited_ms = 0; waited_ms < 5000; ++waited_ms, usleep(1000)) {
+        std::string stat = slurp("/proc/" + std::to_string(pid) + "/stat");  // "pid (name) state ..."
+        if (stat.empty() || stat[stat.rfind(')') + 2] == 'Z') return true;
+    }
+    return false;
+}
 
 gateway_request post(std::string verb, std::string body) {
     gateway_request request;

@@ -37,12 +37,15 @@ struct gateway_result {
     std::optional<std::string> tool_input;  // nullopt: the tool never ran
     std::string tool_env;                   // the tool's environment, one entry a line
     int tool_pid = 0;
+    int tool_child = 0;  // the pid of the child a forking stand-in started
 };
 
 // The whole content of a file ("" when there is none).
 std::string slurp(const std::string& path);
 // True while the process `pid` exists.
 bool process_alive(int pid);
+// True once `pid` is gone or a zombie; a process just killed gets 5 s.
+bool process_ends(int pid);
 
 gateway_result run_gateway(const gateway_request& request);
 

@@ -12,7 +12,10 @@
 //                noread: print without reading, then exit
 //                flood: read, print, then print lines until the pipe closes
 //                hang: read, print, then never end
+//                trickle: read, print, then a line every 0.25 s, never ending
 //                warn: print a warning on standard error, then as read
+//                fork-<mode>: as <mode> after starting a child that sleeps
+//                30 s in the tool's group (its pid in <STUB_RECORD>.child)
 #include <fcntl.h>
 #include <signal.h>
 #include <unistd.h>
@@ -45,6 +48,11 @@ int main(int, char** argv) {
     const char* record = std::getenv("STUB_RECORD");
     const char* output = std::getenv("STUB_OUTPUT");
     std::string mode = std::getenv("STUB_MODE") ? std::getenv("STUB_MODE") : "read";
+    if (mode.starts_with("fork-") && record) {
+        mode.erase(0, 5);
+        if (pid_t child = fork(); child == 0) sleep(30), _exit(0);
+        else spill(std::string(record) + ".child", std::to_string(child));
+    }
     int input_file = record ? open(record, O_WRONLY | O_CREAT | O_TRUNC, 0600) : -1;
     if (record) {
         sigset_t blocked;
@@ -67,6 +75,7 @@ int main(int, char** argv) {
     for (char& c : answer) c = c == '\x7f' ? '\0' : c;
     write_all(1, answer);
     while (mode == "flood") write_all(1, "more output after the prompt\n");
+    while (mode == "trickle") write_all(1, "waiting for the shelf\n"), usleep(250000);
     while (mode == "hang") pause();
     return 0;
 }
