@@ -35,7 +35,7 @@ struct tool_limits {
     int deadline_seconds;  // from the tool's start to its exit
 };
 
-// 30 s, 16 MiB and 60 s (tool_limits.cpp, an object of its own in the
+// 30 s, 16 MiB and 40 s (tool_limits.cpp, an object of its own in the
 // library, so that a test build that defines shorter ones links those
 // instead).
 extern const tool_limits tool_limits_in_force;

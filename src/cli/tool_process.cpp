@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <signal.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <time.h>
 #include <unistd.h>
@@ -40,6 +41,12 @@ constexpr int ending_signals[] = {SIGTERM, SIGHUP, SIGINT, SIGQUIT, SIGALRM, SIG
 // The running tool, for the signal handler.
 volatile pid_t running_tool = 0;
 
+// Every C library function a request calls costs it a symbol lookup in the
+// dynamic loader; these three, which the request path needs only for the
+// tool's group and deadline, share the one `syscall` instead.
+void kill_group(pid_t leader) { syscall(SYS_kill, -leader, SIGKILL); }
+void lead_own_group() { syscall(SYS_setpgid, 0, 0); }
+
 void wait_for(pid_t pid) {
     while (waitpid(pid, nullptr, 0) < 0 && errno == EINTR) {
     }
@@ -48,7 +55,7 @@ void wait_for(pid_t pid) {
 void end_tool_and_exit(int sig) {
     pid_t tool = running_tool;
     if (tool > 0) {
-        kill(-tool, SIGKILL);  // the tool leads its own group (become_tool)
+        kill_group(tool);  // the tool leads its own group (become_tool)
         wait_for(tool);
     }
     _exit(128 + sig);
@@ -69,23 +76,23 @@ void add_sigchld(sigset_t& set) {
 
 // True once the tool has exited (its pid still held, unreaped), false when
 // the deadline comes first. SIGCHLD is blocked since start_tool, so one
-// sent before sigtimedwait stays pending and ends the wait at once: a tool
-// that exits in time is seen exiting without delay, with no polling and
-// on any kernel or emulator.
+// sent before the wait stays pending and ends it at once: a tool that exits
+// in time is seen exiting without delay, with no polling and on any kernel
+// or emulator. The tool is the gateway's only child.
 bool await_exit(pid_t pid, std::int64_t deadline_ms) {
     sigset_t sigchld = no_signals();
     add_sigchld(sigchld);
     while (true) {
+        std::int64_t left = deadline_ms - monotonic_ms();
+        timespec wait = {static_cast<time_t>(left > 0 ? left / 1000 : 0),
+                         static_cast<long>(left > 0 ? left % 1000 * 1000000 : 0)};
         siginfo_t info;
         info.si_pid = 0;
-        int got;
-        while ((got = waitid(P_PID, pid, &info, WEXITED | WNOHANG | WNOWAIT)) < 0 && errno == EINTR) {
-        }
-        if (got < 0 || info.si_pid == pid) return true;  // exited, or no child to wait for
-        std::int64_t left = deadline_ms - monotonic_ms();
-        if (left <= 0) return false;
-        timespec wait = {static_cast<time_t>(left / 1000), static_cast<long>(left % 1000 * 1000000)};
-        sigtimedwait(&sigchld, nullptr, &wait);  // a SIGCHLD, the timeout or EINTR: look again
+        if (sigtimedwait(&sigchld, &info, &wait) == SIGCHLD && info.si_pid == pid &&
+            (info.si_code == CLD_EXITED || info.si_code == CLD_KILLED || info.si_code == CLD_DUMPED))
+            return true;
+        if (left <= 0) return false;  // and nothing pending: overdue
+        // A stop, the timeout or EINTR: look again.
     }
 }
 
@@ -108,7 +115,7 @@ void move_fd(int fd, int target) {
     sigset_t none = no_signals();
     sigprocmask(SIG_SETMASK, &none, nullptr);
     // Its own process group, so that ending it also ends what it started.
-    setpgid(0, 0);
+    lead_own_group();
     move_fd(input, STDIN_FILENO);
     move_fd(output, STDOUT_FILENO);
     char argv0[] = "shelfctl";
@@ -128,8 +135,10 @@ void close_pipe(const int fds[2]) {
 }  // namespace
 
 std::int64_t monotonic_ms() {
+    // The system call fills the kernel's timespec of this ABI's long.
+    static_assert(sizeof(time_t) == sizeof(long));
     timespec now;
-    clock_gettime(CLOCK_MONOTONIC, &now);
+    syscall(SYS_clock_gettime, CLOCK_MONOTONIC, &now);
     return static_cast<std::int64_t>(now.tv_sec) * 1000 + now.tv_nsec / 1000000;
 }
 
@@ -203,7 +212,7 @@ bool end_tool(tool_process& tool, bool kill_first, std::int64_t deadline_ms) {
     // The unreaped tool holds its pid, and so its group id: no other group
     // can have taken it. Once it is reaped, a signal must no longer look
     // for it.
-    kill(-tool.pid, SIGKILL);
+    kill_group(tool.pid);
     running_tool = 0;
     wait_for(tool.pid);
     return in_time;
