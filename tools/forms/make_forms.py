@@ -109,6 +109,14 @@ def button(label, name=None, value=None, action=None, reads=False):
     return f'<button type="submit"{cls}{named}{other}{novalidate}>{label}</button>'
 
 
+def may_post_nothing(f):
+    """True when the form, its optional fields left empty and its boxes
+    unticked, would post an empty body, which the gateway refuses."""
+    sends = any(field.kind in ('hidden', 'select') or field.required or
+                (field.kind != 'check' and field.value is not None) for field in f.fields)
+    return not sends and not any(' name="' in b for b in f.buttons)
+
+
 def form_html(verb, f):
     verb = f.verb or verb
     hid = f'h-{f.key}'
@@ -124,7 +132,7 @@ def form_html(verb, f):
     if f.note:
         parts.append(f'<p class="note">{f.note}</p>')
     parts += [field.html(f.key) for field in f.fields]
-    if not any(field.kind != 'hidden' for field in f.fields):
+    if may_post_nothing(f):
         # A POST needs a body: this field makes one; no verb reads it.
         parts.append('<input type="hidden" name="posted" value="1">')
     parts.append('<div class="actions">' + ' '.join(buttons) + '</div>')

@@ -136,6 +136,10 @@ for (const verb of PAGES) {
           posted.set(c.name, c.tag === 'select' ? firstOption(form.body, c.name) : c.value ?? 'x');
         }
         if (b.name) posted.set(b.name, b.value);
+        // Its optional fields left empty and its boxes unticked, it still
+        // posts a field: an empty body is refused by the gateway.
+        const always = fields.filter((c) => c.type === 'hidden' || c.tag === 'select' || 'required' in c || c.value);
+        assert.ok(always.length > 0 || b.name, `${what} "${b.formaction ?? ''}": posts nothing when left empty`);
         assert.ok(!b.formaction?.includes('?'), `${what}: a read carries no token`);
         const target = (b.formaction ?? action).replace('/cgi-bin/', '');
         assert.ok(PAGES.includes(target), `${what}: posts to ${target}`);
