@@ -57,8 +57,24 @@ async function submit(verb, form, fields, button, { confirm = false } = {}) {
 test('the index links every form page once', async () => {
   await page.goto(`${server.base}/`);
   assert.match(page.url(), /\/verbs\/index\.html$/);
-  const links = await page.locator('a[href$=".html"]').evaluateAll((as) => as.map((a) => a.getAttribute('href')));
-  assert.deepEqual(links.filter((href) => href !== 'index.html').sort(), verbs.map((v) => `${v}.html`).sort());
+  const links = await page.locator('ul.verbs a[href$=".html"]').evaluateAll((as) => as.map((a) => a.getAttribute('href')));
+  assert.deepEqual(links.sort(), verbs.map((v) => `${v}.html`).sort());
+});
+
+// The index opens with what the shelf says now, for either role, with no
+// click: each tile a reading verb's answer, by GET.
+test('the index shows the shelf at a glance, to an operator and to a viewer', async () => {
+  const tiles = { showunhealthy: /unhealthy components/i, alarm: /Telco alarms/, ipmc: /0x20: Shelf Manager/,
+    fans: /Fan Tray 1/ };
+  const viewer = await browser.newContext({ ignoreHTTPSErrors: true, httpCredentials: server.accounts.viewer });
+  for (const p of [page, await viewer.newPage()]) {
+    await p.goto(`${server.base}/verbs/index.html`);
+    await p.waitForLoadState('load');
+    const frames = p.frames().filter((f) => f.url().includes('/cgi-bin/'));
+    assert.deepEqual(frames.map((f) => f.url().replace(/.*\/cgi-bin\//, '')).sort(), Object.keys(tiles).sort());
+    for (const f of frames) assert.match(await f.locator('pre').innerText(), tiles[f.url().replace(/.*\/cgi-bin\//, '')]);
+  }
+  await viewer.close();
 });
 
 // Every page: no console error (a refused frame or style shows there), no
@@ -162,12 +178,14 @@ test('the shelf page shows the chosen sub-command\'s forms only', async () => {
   assert.match(await answered(() => page.locator('#form-choose button').click()), /Site Type 0x00 \(Front Board\)/);
 });
 
-// From the top of the page to the answer with the keyboard alone: Tab to
-// the first field, type, Tab on, press Enter or Space, Tab into the frame.
+// From the top of the page to the answer with the keyboard alone: the
+// skip link (Tab, Enter), Tab to the first field, type, Tab on, press
+// Enter or Space, Tab into the frame.
+const skip = ['Tab', 'Enter', 'Tab'];
 const keyboardRuns = [
-  { verb: 'board', keys: ['Tab', 'Tab', '1', 'Enter'], answer: /Physical Slot # 1/ },
-  { verb: 'getthreshold', keys: ['Tab', 'Tab', '0x82', 'Tab', 'Tab', '1', 'Enter'], answer: /CPU Temp/ },
-  { verb: 'setfanlevel', keys: ['Tab', 'Tab', '0x74', 'Tab', 'Tab', '0', 'Tab', 'Tab', '7', 'Tab', 'Tab', 'Space',
+  { verb: 'board', keys: [...skip, '1', 'Enter'], answer: /Physical Slot # 1/ },
+  { verb: 'getthreshold', keys: [...skip, '0x82', 'Tab', 'Tab', '1', 'Enter'], answer: /CPU Temp/ },
+  { verb: 'setfanlevel', keys: [...skip, '0x74', 'Tab', 'Tab', '0', 'Tab', 'Tab', '7', 'Tab', 'Tab', 'Space',
     'Tab', 'Enter'], answer: /Set Fan Level to: 7\b/ },
 ];
 for (const { verb, keys, answer: expected } of keyboardRuns) {
@@ -204,27 +222,41 @@ const typicalOn = {
   setlanconfig: { value: '192.0.2.20' }, fans: { addr1_0: '0x72', pti_sym1_1: 'fantray1' },
   getfanlevel: { addr1_0: '0x72', pti_sym1_1: 'fantray1' }, setfanlevel: { addr1_0: '0x72', pti_sym1_1: 'fantray1', value: '5' },
 };
-test('every form, filled in as its hints say, sends a command the shelf takes', async () => {
+// Every button of every form, pressed with only the form's required fields
+// filled (as its hints say) and its boxes unticked but the required
+// confirmation: each gets a complete page from the gateway, never a server
+// error, and the form's own button sends a command the shelf takes. Each
+// press on a page loaded anew, as a change is sent once per load. Last,
+// since it changes the shelf.
+test('every button, with only the required fields filled, gets a complete page', async () => {
   const refused = /It is necessary|too long|Invalid argument|Unknown command|Forbidden|Unauthorized/;
   for (const verb of verbs) {
     await page.goto(`${server.base}/verbs/${verb}.html`);
-    const ids = await page.locator('form[id^="form-"]').evaluateAll((fs) => fs.map((f) => f.id));
-    for (const id of ids) {
-      const form = page.locator(`#${id}`);
-      const command = form.locator('input[type="hidden"][name="command"]');
-      if (await command.count()) await page.selectOption('#command-choose', await command.getAttribute('value'));
-      for (const field of await form.locator('input[required]:not([type="checkbox"])').all()) {
-        const name = await field.getAttribute('name');
-        if (await field.inputValue()) continue;  // a real default
-        const value = typicalOn[verb]?.[name] ?? typical[name] ?? byKind(name);
-        assert.ok(value, `${verb} ${id}: a typical ${name}`);
-        await field.fill(value);
+    const forms = await page.locator('form[id^="form-"]').evaluateAll((fs) => fs.map((f) =>
+      [f.id, f.querySelectorAll('.actions button[type="submit"]').length]));
+    for (const [id, buttons] of forms) {
+      for (let b = 0; b < buttons; b++) {
+        await page.goto(`${server.base}/verbs/${verb}.html`);
+        const form = page.locator(`#${id}`);
+        const command = form.locator('input[type="hidden"][name="command"]');
+        if (await command.count()) await page.selectOption('#command-choose', await command.getAttribute('value'));
+        for (const field of await form.locator('input[required]:not([type="checkbox"])').all()) {
+          const name = await field.getAttribute('name');
+          if (await field.inputValue()) continue;  // a real default
+          const value = typicalOn[verb]?.[name] ?? typical[name] ?? byKind(name);
+          assert.ok(value, `${verb} ${id}: a typical ${name}`);
+          await field.fill(value);
+        }
+        if (await form.locator('[name="confirm"]').count()) await form.locator('[name="confirm"]').check();
+        const invalid = await form.evaluate((f) => [...f.elements].filter((e) => !e.checkValidity()).map((e) => e.name));
+        assert.deepEqual(invalid, [], `${verb} ${id}: fields the browser refuses`);
+        const [response] = await Promise.all([
+          page.waitForResponse((r) => r.url().includes('/cgi-bin/') && r.frame().name() === 'answer'),
+          answered(() => form.locator('.actions button[type="submit"]').nth(b).click())]);
+        assert.equal(response.status(), 200, `${verb} ${id} button ${b}`);
+        assert.match(await response.text(), /<\/PRE><HR>.*<\/BODY><\/HTML>$/s, `${verb} ${id} button ${b}: a complete page`);
+        if (b === 0) assert.doesNotMatch(await answer(), refused, `${verb} ${id}`);
       }
-      if (await form.locator('[name="confirm"]').count()) await form.locator('[name="confirm"]').check();
-      const invalid = await form.evaluate((f) => [...f.elements].filter((e) => !e.checkValidity()).map((e) => e.name));
-      assert.deepEqual(invalid, [], `${verb} ${id}: fields the browser refuses`);
-      const text = await answered(() => form.locator('button[type="submit"]').first().click());
-      assert.doesNotMatch(text, refused, `${verb} ${id}`);
     }
   }
 });

@@ -165,7 +165,9 @@ test('every path needs a user, and only an operator changes the shelf', async ()
   const viewer = await api('viewer');
   const operator = await api('operator');
   const set = { data: 'addr1_0=0x72&id2_0=0&value=9', headers: form };
-  assert.equal((await viewer.post(`${server.base}/cgi-bin/setfanlevel`, set)).status(), 403);
+  const refused = await viewer.post(`${server.base}/cgi-bin/setfanlevel`, set);
+  assert.equal(refused.status(), 403);
+  assert.match(await refused.text(), /this account may only read/, 'the refusal says why');
   assert.doesNotMatch(readFileSync(server.state, 'utf8'), /^fan\.72\.0 9$/m);
   const done = await operator.post(`${server.base}/cgi-bin/setfanlevel`, set);
   assert.equal(done.status(), 200);
@@ -173,10 +175,11 @@ test('every path needs a user, and only an operator changes the shelf', async ()
   const audit = /^\S+ 127\.0\.0\.1 operator "POST \/cgi-bin\/setfanlevel HTTP\/[\d.]+" 200 \d+$/;
   assert.ok((await logged('/cgi-bin/setfanlevel', audit)).some((l) => audit.test(l)));
 
-  // A viewer reaches only the verbs that read whatever is posted; a GET
-  // only those whose bare command reads, whoever sends it.
+  // A GET runs only the verbs whose bare command reads, whoever sends it,
+  // and a viewer may send any of those; otherwise a viewer reaches only
+  // the verbs that read whatever is posted.
   for (const verb of verbs) {
-    const expected = !readingVerbs.includes(verb) ? 403 : getVerbs.includes(verb) ? 200 : 405;
+    const expected = getVerbs.includes(verb) ? 200 : readingVerbs.includes(verb) ? 405 : 403;
     assert.equal((await viewer.get(`${server.base}/cgi-bin/${verb}`)).status(), expected, `viewer on ${verb}`);
     const byGet = getVerbs.includes(verb) ? 200 : 405;
     assert.equal((await operator.get(`${server.base}/cgi-bin/${verb}`)).status(), byGet, `operator's GET of ${verb}`);
@@ -389,6 +392,8 @@ for (const [verb, formKey, fields, label] of presses) {
     assert.equal(await accepted(earlier + 1), earlier + 1, (await logged(`/cgi-bin/${verb}`)).join('\n'));
     await answerFrame(page).getByRole('link').click();
     await settle(page);
+    // The answer's own back link never loads a whole form page in the frame.
+    assert.match(answerFrame(page).url(), /\/verbs\/answer\.html$/);
     const moves = { timeout: 1000 };  // a step that only moves the frame never loads the page
     for (const step of [() => page.goBack(moves), () => page.goForward(moves), () => page.goBack(moves), () => page.reload(moves),
       () => page.goto(`${server.base}/verbs/index.html`), () => page.goBack(moves), () => page.goBack(moves),

@@ -140,7 +140,34 @@ def form_html(verb, f):
     return '\n'.join(parts)
 
 
+# The pages that read a thing and the pages that set it link each other.
+COUNTERPARTS = {
+    'getthreshold': ('setthreshold', 'Set Sensor Threshold'),
+    'setthreshold': ('getthreshold', 'Get Sensor Threshold Information'),
+    'gethysteresis': ('sethysteresis', 'Set Sensor Hysteresis'),
+    'sethysteresis': ('gethysteresis', 'Get Sensor Hysteresis Information'),
+    'getsensoreventenable': ('setsensoreventenable', 'Set Sensor Event Enable Mask'),
+    'setsensoreventenable': ('getsensoreventenable', 'Get Sensor Event Enable Mask'),
+    'getfruledstate': ('setfruledstate', 'Set FRU LED State'),
+    'setfruledstate': ('getfruledstate', 'Get FRU LED State'),
+    'getfanlevel': ('setfanlevel', 'Set Fan Level'),
+    'setfanlevel': ('getfanlevel', 'Get Fan Level'),
+    'getlanconfig': ('setlanconfig', 'Set LAN Configuration Information'),
+    'setlanconfig': ('getlanconfig', 'Get LAN Configuration Information'),
+    'getpef': ('setpef', 'Set PEF Configuration Information'),
+    'setpef': ('getpef', 'Get PEF Configuration Information'),
+    'getipmbstate': ('setipmbstate', 'Set IPMB State'),
+    'setipmbstate': ('getipmbstate', 'Get IPMB State'),
+    'board': ('reset', 'Reset Board'),
+    'reset': ('board', 'Board Information'),
+}
+
+
 def page(verb, title, intro, forms):
+    related = ''
+    if verb in COUNTERPARTS:
+        other, other_title = COUNTERPARTS[verb]
+        related = f'\n<p class="related">See also: <a href="{other}.html">{other_title}</a></p>'
     lists = ''
     if BOARDS in ''.join(field.hint for f in forms for field in f.fields):
         lists = ('\n<form id="list-boards" method="POST" action="/cgi-bin/board" target="answer">'
@@ -156,12 +183,15 @@ def page(verb, title, intro, forms):
 <link rel="stylesheet" href="style.css">
 </head>
 <body>
+<a class="skip" href="#forms">Skip to the forms</a>
 <header class="top"><a href="index.html">Corvane&#8482; Shelf Manager</a></header>
 <div class="page">
 <main>
 <h1>{title}</h1>
-<p class="intro">{intro}</p>
+<p class="intro">{intro}</p>{related}
+<div id="forms">
 {body}{lists}
+</div>
 <p class="back"><a href="index.html">Back to the index</a></p>
 </main>
 <aside class="answer" aria-labelledby="answer-heading">
