@@ -635,12 +635,47 @@ ANSWER = """<!DOCTYPE html>
 """
 
 
+def refusal(title, paragraphs):
+    """A page the server answers a refused request with (www/errors/)."""
+    text = '\n'.join(f'<p>{p}</p>' for p in paragraphs)
+    return f'''<!DOCTYPE html>
+<html lang="en">
+<head>
+<meta charset="utf-8">
+<meta name="viewport" content="width=device-width, initial-scale=1">
+<title>{title.split(':')[0]}</title>
+<link rel="stylesheet" href="/verbs/style.css">
+</head>
+<body>
+<main>
+<h1>{title}</h1>
+{text}
+</main>
+</body>
+</html>
+'''
+
+
+ERRORS = {
+    '403': refusal('Not allowed: this account may only read', [
+        'A viewer account reads the shelf\'s state but changes nothing: this\nneeds an operator account. '
+        '(A request that another site\'s page sent is\nrefused the same way.)',
+        '<a href="/verbs/index.html">Back to the index</a>']),
+    '409': refusal('Sent already: nothing was changed this time', [
+        'The browser sent a change again that this page had sent once (after\ngoing back or forward, or '
+        'reloading). Each change is sent once per press.',
+        'To make the change again, load the form page anew (F5) and press its\nbutton.']),
+}
+
+
 def main():
     PAGES['answer'] = ANSWER
     check = sys.argv[1:] == ['--check']
     stale = []
-    for verb, text in sorted(PAGES.items()):
-        path = os.path.join(ROOT, f'{verb}.html')
+    pages = [(os.path.join(ROOT, f'{verb}.html'), text) for verb, text in sorted(PAGES.items())]
+    pages += [(os.path.join(ROOT, '..', 'errors', f'{status}.html'), text) for status, text in ERRORS.items()]
+    for path, text in pages:
+        verb = os.path.basename(path)
         old = open(path).read() if os.path.exists(path) else None
         if old != text:
             stale.append(verb)
