@@ -3,7 +3,8 @@
 // (a refused viewer gets 401; BusyBox has no 403, no TLS and no headers).
 import { test, before, after } from 'node:test';
 import assert from 'node:assert/strict';
-import { readFileSync } from 'node:fs';
+import { readFileSync, statSync } from 'node:fs';
+import { spawnSync } from 'node:child_process';
 import { join } from 'node:path';
 import http from 'node:http';
 import { startServer, repo } from './serve.mjs';
@@ -51,4 +52,18 @@ test('every path needs a user, and only an operator reaches the changing verbs',
     assert.equal((await viewer.get(`${server.base}/cgi-bin/${verb}`)).status(), readingVerbs.includes(verb) ? 200 : 401, verb);
   }
   for (const c of [anonymous, wrong, viewer]) await c.dispose();
+});
+
+// It speaks no TLS and refuses nothing across sites, so it serves only this
+// machine (behind a protected server as a proxy), and its configuration,
+// holding the password hashes, is root's.
+test('BusyBox serves only the loopback address, from a configuration root owns', () => {
+  const serve = spawnSync(join(server.dir, 'install/deploy/busybox/serve'), [server.root, join(server.dir, 'other')],
+    { env: { ...process.env, BIND: '0.0.0.0' } });
+  assert.equal(serve.status, 2);
+  assert.match(serve.stderr.toString(), /loopback/);
+  if (process.getuid() === 0) {
+    const conf = statSync(join(server.run, 'httpd.conf'));
+    assert.ok(conf.uid === 0 && (conf.mode & 0o022) === 0, 'root\'s alone to write');
+  }
 });
