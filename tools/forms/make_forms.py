@@ -59,7 +59,8 @@ def hidden(name, value):
 def address(name, required=True, empty=''):
     hint = f'0x and two hexadecimal digits, such as 0x82; {CONTROLLERS}' + (f'; {empty}' if empty else '')
     return Field('text', name, 'IPMB address', hint, required,
-                 attrs=f' pattern="{HEX_ADDRESS}" maxlength="4" autocomplete="off" spellcheck="false"')
+                 attrs=f' pattern="{HEX_ADDRESS}" title="0x and two hexadecimal digits, such as 0x82" maxlength="4" '
+                 'autocomplete="off" spellcheck="false"')
 
 
 def unit_name(name):
@@ -127,6 +128,12 @@ def form_html(verb, f):
     action = f'/cgi-bin/{verb}?once=@ONCE@-{f.key}' if changes else f'/cgi-bin/{verb}'
     buttons = [b.replace(' formnovalidate', f' formaction="/cgi-bin/{verb}" formnovalidate', 1)
                if changes and 'formaction' not in b else b for b in f.buttons]
+    # On a form that changes the shelf, the button that changes looks unlike
+    # the reading ones, which are the prominent ones.
+    if changes:
+        buttons = [b.replace('<button type="submit"', '<button type="submit" class="change"', 1)
+                   if 'formnovalidate' not in b else b.replace('class="secondary"', 'class="reads"', 1)
+                   for b in buttons]
     parts = [f'<form method="POST" action="{action}" target="answer" class="{f.cls}" id="form-{f.key}" '
              f'aria-labelledby="{hid}">', f'<h2 id="{hid}">{f.heading}</h2>']
     if f.note:
@@ -267,7 +274,9 @@ PAGES['session'] = fixed_page('session', 'Session Information', 'Shows the open 
                               'Show the sessions')
 PAGES['switchover'] = fixed_page(
     'switchover', 'Switchover',
-    'Hands control of the shelf over to the backup shelf manager. This shelf manager stops being the active one.',
+    'Hands control of the shelf over to the backup shelf manager. This shelf manager stops being the active one, '
+    'and this page then speaks to a shelf manager that no longer controls the shelf: reconnect to the shelf\'s '
+    'address. Without a backup (see IPM Controller Information for a second shelf manager) nothing is handed over.',
     'Switch over', 'Yes, hand control over to the backup shelf manager')
 PAGES['showunhealthy'] = page('showunhealthy', 'Unhealthy Components Information',
                               'Lists the components that the shelf manager considers unhealthy.',
@@ -304,7 +313,8 @@ PAGES['sethysteresis'] = set_sensor_page(
 
 ENABLES = [('0xc0', '0xc0: event messages and sensor scanning on'), ('0x80', '0x80: event messages on, scanning off'),
            ('0x40', '0x40: scanning on, event messages off'), ('0x00', '0x00: both off')]
-MASK = ' pattern="0[xX][0-9a-fA-F]{1,4}" maxlength="6" autocomplete="off" spellcheck="false"'
+MASK = (' pattern="0[xX][0-9a-fA-F]{1,4}" title="0x and one to four hexadecimal digits, such as 0x7fff" '
+        'maxlength="6" autocomplete="off" spellcheck="false"')
 
 
 def event_masks():
@@ -474,11 +484,13 @@ PAGES['getlanconfig'] = page('getlanconfig', 'Get LAN Configuration Information'
 ])
 PAGES['setlanconfig'] = page('setlanconfig', 'Set LAN Configuration Information',
                              'Sets one configuration parameter of a LAN channel of the shelf manager.', [
-    Form('set', 'LAN configuration', [channel(),
+    Form('set', 'LAN configuration', note='A new IP address, netmask or gateway of the channel you are connected '
+         'through ends this connection: reconnect at the new address (https://NEW-ADDRESS/), from a network '
+         'that reaches it.', fields=[channel(),
          Field('select', 'parameter', 'Parameter', '', True, [p for p in LAN_READ if p[0] not in ('0', '1')], '3'),
          Field('text', 'value', 'New value', LAN_VALUES, True, attrs=' maxlength="40" autocomplete="off" spellcheck="false"'),
          confirm('Yes, change the LAN configuration')],
-         [button('Set'), button('Read back', action='getlanconfig', reads=True)]),
+         buttons=[button('Set'), button('Read back', action='getlanconfig', reads=True)]),
 ])
 
 PEF_VALUES = ('PEF control: 0 to 15; action global control: 0 to 63; delays: seconds, 0 to 255; '
