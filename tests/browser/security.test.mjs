@@ -233,6 +233,9 @@ test('every response carries the protective headers; plain HTTP only redirects',
   }
   assert.equal(responses.gateway.headers()['cache-control'], 'no-store');
   assert.equal(responses.page.headers()['cache-control'], 'no-store');  // its tokens are for one load
+  // A form page has no path below it (served so, it would keep its tokens'
+  // place unfilled and its cache rules unapplied).
+  assert.ok([403, 404].includes((await operator.get(`${server.base}/verbs/setfanlevel.html/x`)).status()));
   const plain = await anonymous.get(`${server.httpBase}/verbs/sensor.html?x=1`);
   assert.equal(plain.status(), 301);
   assert.equal(plain.headers().location, `${server.base}/verbs/sensor.html?x=1`);
@@ -298,6 +301,11 @@ test('a viewer changes nothing, whatever it posts', async () => {
     assert.equal((await viewer.post(`${server.base}/cgi-bin/${verb}`, { data, headers: form })).status(), 403, data);
   }
   assert.equal(readFileSync(server.state, 'utf8'), before);
+  // Tokens are taken only for verbs that can change the shelf: a viewer
+  // writes nothing into the server's spool.
+  const token = `${'0123456789abcdef'.repeat(2)}-viewer`;
+  assert.equal((await viewer.post(`${server.base}/cgi-bin/version?once=${token}`, { data: 'x=1', headers: form })).status(), 200);
+  assert.equal(existsSync(join(server.run, 'spool/once', token)), false);
   await viewer.dispose();
 });
 
