@@ -348,7 +348,16 @@ esac
   chmodSync(server.tool, 0o755);
   try {
     const before = readFileSync(server.state, 'utf8');
-    const earlier = readFileSync(server.accessLog, 'utf8').length;
+    // The server writes its log when it can: a marker request, once logged,
+    // tells where this test's lines begin.
+    const marker = `/verbs/answer.html?mark=${Date.now()}`;
+    await requestFrom('127.0.0.1', server.basic('operator'), marker);
+    let earlier = -1;
+    for (let i = 0; i < 100 && earlier < 0; i++) {
+      earlier = readFileSync(server.accessLog, 'utf8').indexOf(marker);
+      if (earlier < 0) await new Promise((r) => setTimeout(r, 100));
+    }
+    assert.ok(earlier >= 0, 'the marker was logged');
     const page = await operatorAt('/verbs/fruinfo.html');
     const f = page.locator('#form-address');
     await f.locator('[name="addr1_0"]').fill('0x82');
