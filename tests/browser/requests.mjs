@@ -17,6 +17,9 @@ export const form = { 'Content-Type': 'application/x-www-form-urlencoded' };
 export const readingVerbs = ['version', 'session', 'fru', 'fruinfo', 'getfruledstate', 'board', 'ipmc',
   'sensor', 'sensordata', 'getthreshold', 'gethysteresis', 'getsensoreventenable', 'fans', 'getfanlevel',
   'getlanconfig', 'getpef', 'showunhealthy', 'getipmbstate'];
+// The verbs whose fields decide whether they read or change: a viewer
+// reaches them, and only a command that reads reaches the shelf.
+export const guardedVerbs = ['sel', 'alarm'];
 export const getVerbs = ['version', 'session', 'alarm', 'board', 'fans', 'fru', 'frudata', 'getfruledstate',
   'gethysteresis', 'getlanconfig', 'getpef', 'getsensoreventenable', 'getthreshold', 'ipmc', 'sel', 'sensor',
   'sensordata', 'shelf', 'showunhealthy'];

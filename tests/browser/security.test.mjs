@@ -9,13 +9,13 @@ import assert from 'node:assert/strict';
 import http from 'node:http';
 import https from 'node:https';
 import tls from 'node:tls';
-import { chmodSync, existsSync, lstatSync, readFileSync, renameSync, rmSync, statSync, symlinkSync, writeFileSync } from 'node:fs';
+import { chmodSync, existsSync, lstatSync, readdirSync, readFileSync, renameSync, rmSync, statSync, symlinkSync, writeFileSync } from 'node:fs';
 import { execFileSync } from 'node:child_process';
 import { join } from 'node:path';
 import { request as playwrightRequest } from 'playwright-core';
 import { startServer, freePort, repo } from './serve.mjs';
 import { launchChromium } from './chromium.mjs';
-import { expectDirectAnswers, form, getVerbs, readingVerbs } from './requests.mjs';
+import { expectDirectAnswers, form, getVerbs, guardedVerbs, readingVerbs } from './requests.mjs';
 
 const verbs = readFileSync(join(repo, 'deploy/verbs.txt'), 'utf8').split('\n').filter(Boolean);
 const policy = "default-src 'none'; style-src 'self'; img-src 'self'; form-action 'self'; frame-src 'self'; "
@@ -180,7 +180,7 @@ test('every path needs a user, and only an operator changes the shelf', async ()
   // and a viewer may send any of those; otherwise a viewer reaches only
   // the verbs that read whatever is posted.
   for (const verb of verbs) {
-    const expected = getVerbs.includes(verb) ? 200 : readingVerbs.includes(verb) ? 405 : 403;
+    const expected = getVerbs.includes(verb) ? 200 : [...readingVerbs, ...guardedVerbs].includes(verb) ? 405 : 403;
     assert.equal((await viewer.get(`${server.base}/cgi-bin/${verb}`)).status(), expected, `viewer on ${verb}`);
     const byGet = getVerbs.includes(verb) ? 200 : 405;
     assert.equal((await operator.get(`${server.base}/cgi-bin/${verb}`)).status(), byGet, `operator's GET of ${verb}`);
@@ -258,6 +258,53 @@ test('all 33 verbs answer as the gateway run directly does', async () => {
   await operator.dispose();
 });
 
+// How many gateways the server lets run at once: lighttpd and Apache refuse
+// any more with 503, nginx's fcgiwrap makes them wait.
+const gatewayCap = 32;
+
+test(`a tool that hangs holds at most ${gatewayCap} gateways at once`, async (t) => {
+  const script = readFileSync(server.tool);
+  writeFileSync(server.tool, '#!/bin/sh\nsleep 6\n');
+  const tools = () => readdirSync('/proc').filter((p) => /^\d+$/.test(p)).filter((p) => {
+    try { return readFileSync(`/proc/${p}/cmdline`, 'utf8').includes(server.tool); } catch { return false; }
+  });
+  try {
+    const viewer = await api('viewer');
+    const answers = Array.from({ length: 100 }, () => viewer.post(`${server.base}/cgi-bin/version`,
+      { data: 'posted=1', headers: { 'Content-Type': 'application/x-www-form-urlencoded' }, timeout: 120000 }));
+    let most = 0;
+    const counting = setInterval(() => { most = Math.max(most, tools().length); }, 100);
+    const statuses = (await Promise.all(answers)).map((r) => r.status());
+    clearInterval(counting);
+    t.diagnostic(`${serverName}: at most ${most} tools at once; ${statuses.filter((s) => s === 200).length} answered`);
+    assert.ok(most > 0 && most <= gatewayCap, `${most} tools at once; ${statuses.join(' ')}`);
+    assert.deepEqual(new Set(statuses), new Set(serverName === 'nginx' ? [200] : [200, 503]));
+    // The refused were never counted as running: all can run again.
+    assert.equal((await viewer.post(`${server.base}/cgi-bin/version`, { data: 'posted=1',
+      headers: { 'Content-Type': 'application/x-www-form-urlencoded' } })).status(), 200);
+    await viewer.dispose();
+  } finally {
+    writeFileSync(server.tool, script);
+  }
+});
+
+test('a client that sends its headers slowly is dropped within 20 s',
+  { skip: serverName === 'lighttpd' && 'lighttpd 1.4.69 restarts its read timer at every byte it reads' }, async () => {
+  const start = Date.now();
+  await new Promise((ok) => {
+    const socket = tls.connect({ host: '127.0.0.1', port: server.port, rejectUnauthorized: false, ALPNProtocols: ['http/1.1'] });
+    let trickle;
+    socket.on('secureConnect', () => {
+      socket.write('GET /verbs/index.html HTTP/1.1\r\nHost: 127.0.0.1\r\n');
+      trickle = setInterval(() => socket.write(`X-Line: ${Date.now()}\r\n`), 3000);
+    });
+    socket.on('error', () => {});
+    socket.on('close', () => { clearInterval(trickle); ok(); });
+    setTimeout(() => socket.destroy(), 30000);
+  });
+  assert.ok(Date.now() - start < 21000, `held ${Date.now() - start} ms`);
+});
+
 test('250 connections that never send their body do not keep out another client', async () => {
   const hung = [];
   try {
@@ -284,21 +331,40 @@ const fieldNames = [...new Set([...readFileSync(join(repo, 'fuzz/form_fields.dic
 
 test('a viewer changes nothing, whatever it posts', async () => {
   const viewer = await api('viewer');
+  await viewer.get(`${server.base}/cgi-bin/version`);  // the shelf's state is written at its first command
   const before = readFileSync(server.state, 'utf8');
   // Every field at once, with values that would change the shelf if a
   // verb put them anywhere but in a reading command's argument places.
   const body = fieldNames.map((n) => `${n}=${encodeURIComponent('0x72 0 15 clear all -w')}`).join('&');
-  for (const verb of readingVerbs) {
+  for (const verb of [...readingVerbs, ...guardedVerbs]) {
     const page = await viewer.post(`${server.base}/cgi-bin/${verb}`, { data: body, headers: form });
     assert.equal(page.status(), 200, verb);
   }
   // The verbs that can change the shelf are refused, however the field
   // that changes is spelt.
   const writes = [['frudata', 'addr1_0=0x82&id2_0=0&offset=0&to_write=0xde'], ['frudata', 'addr1_0=0x82&to%5Fwrite=1'],
-    ['frudata', '%74o_write=1&addr1_0=0x82'], ['sel', 'req_type_sel=1&addr1_0=0x20'], ['sel', 'req_type_sel=%31'],
-    ['alarm', 'command=clear+all'], ['setfanlevel', 'addr1_0=0x72&id2_0=0&value=15']];
+    ['frudata', '%74o_write=1&addr1_0=0x82'], ['setfanlevel', 'addr1_0=0x72&id2_0=0&value=15']];
   for (const [verb, data] of writes) {
     assert.equal((await viewer.post(`${server.base}/cgi-bin/${verb}`, { data, headers: form })).status(), 403, data);
+  }
+  // The event log and the alarms: the viewer reads them, and a command
+  // that would clear or change them never reaches the shelf, however its
+  // fields are spelt, repeated or padded.
+  const reads = [['sel', 'req_type_sel=0&addr1_0=0x20', /Hot Swap: FRU # 0/], ['sel', 'req_type_sel=2', /Entries:/],
+    ['alarm', 'command=', /Critical/i]];
+  for (const [verb, data, shown] of reads) {
+    const page = await (await viewer.post(`${server.base}/cgi-bin/${verb}`, { data, headers: form })).text();
+    assert.match(page, shown, data);
+    assert.doesNotMatch(page, /may only read/, data);
+  }
+  const changes = [['sel', 'req_type_sel=1&addr1_0=0x20'], ['sel', 'req_type_sel=%31'], ['sel', 'req_type_sel=1&req_type_sel=1'],
+    ['sel', 'req_type_sel=1&req_type=1&pti_sym1_1=IPMC&id2_1=1'], ['sel', 'req_type_sel=0&verbose=clear'],
+    ['sel', 'req_type_sel=0&req_type=1&pti_sym1_1=%20CLEAR%09'], ['alarm', 'command=clear+all'],
+    ['alarm', 'command=%20minor'], ['alarm', 'command=major&command=critical'], ['alarm', 'c%6fmmand=clear']];
+  for (const [verb, data] of changes) {
+    const page = await viewer.post(`${server.base}/cgi-bin/${verb}`, { data, headers: form });
+    assert.equal(page.status(), 200, data);
+    assert.match(await page.text(), /Not allowed: this account may only read\. Nothing was sent to the shelf\./, data);
   }
   assert.equal(readFileSync(server.state, 'utf8'), before);
   // Tokens are taken only for verbs that can change the shelf: a viewer

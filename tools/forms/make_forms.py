@@ -27,12 +27,13 @@ HEX_ADDRESS = '0[xX][0-9a-fA-F]{2}'
 class Field:
     """One control: `kind` is text, number, select, check or hidden."""
 
-    def __init__(self, kind, name, label='', hint='', required=False, options=(), value=None, attrs=''):
+    def __init__(self, kind, name, label='', hint='', required=False, options=(), value=None, attrs='', alias=''):
         self.kind, self.name, self.label, self.hint = kind, name, label, hint
         self.required, self.options, self.value, self.attrs = required, options, value, attrs
+        self.alias = alias  # tells apart two controls of one name in a form
 
     def html(self, key):
-        fid = f'{self.name}-{key}'
+        fid = f'{self.name}{self.alias}-{key}'
         if self.kind == 'hidden':
             return f'<input type="hidden" name="{self.name}" value="{self.value}">'
         described = f' aria-describedby="{fid}-hint"' if self.hint else ''
@@ -170,11 +171,23 @@ COUNTERPARTS = {
 }
 
 
+# What a page shows of the shelf before a change, by a GET of a reading
+# verb: its caption and the frame's title.
+NOW = {
+    'switchover': ('ipmc', 'The shelf managers in this shelf now: a backup would be a second "Dedicated Shelf '
+                   'Manager"', 'IPM controllers of the shelf'),
+}
+
+
 def page(verb, title, intro, forms):
     related = ''
     if verb in COUNTERPARTS:
         other, other_title = COUNTERPARTS[verb]
         related = f'\n<p class="related">See also: <a href="{other}.html">{other_title}</a></p>'
+    if verb in NOW:
+        reader, caption, frame_title = NOW[verb]
+        related += (f'\n<figure class="now"><figcaption>{caption}</figcaption>\n'
+                    f'<iframe src="/cgi-bin/{reader}" title="{frame_title}"></iframe></figure>')
     lists = ''
     if BOARDS in ''.join(field.hint for f in forms for field in f.fields):
         lists = ('\n<form id="list-boards" method="POST" action="/cgi-bin/board" target="answer">'
@@ -239,14 +252,43 @@ SITE_TYPES = [('0', '0: Front board'), ('1', '1: Power entry'), ('2', '2: Shelf 
               ('3', '3: Dedicated shelf manager'), ('4', '4: Fan tray'), ('5', '5: Fan filter tray'),
               ('6', '6: Alarm'), ('7', '7: Mezzanine module'), ('8', '8: PMC'),
               ('9', '9: Rear transition module')]
-LAN_READ = [('0', '0: all parameters'), ('1', '1: Authentication type support'), ('3', '3: IP address'),
-            ('4', '4: IP address source'), ('5', '5: MAC address'), ('6', '6: Subnet mask'),
-            ('12', '12: Default gateway address'), ('13', '13: Default gateway MAC address'),
-            ('20', '20: 802.1q VLAN ID')]
-PEF_READ = [('0', '0: all parameters'), ('1', '1: PEF control'), ('2', '2: PEF action global control'),
-            ('3', '3: PEF startup delay'), ('4', '4: PEF alert startup delay'), ('5', '5: Number of event filters'),
-            ('6', '6: Event filter table'), ('8', '8: Number of alert policy entries'),
-            ('9', '9: Alert policy table')]
+# Every parameter of the LAN and PEF configurations by its number and name;
+# the tables among them take a set selector (which entry). A number typed
+# in the field after the list takes the list's place (the gateway takes the
+# last non-empty value of a field), for a parameter a shelf adds.
+LAN_PARAMETERS = ['Set in progress', 'Authentication type support', 'Authentication type enables', 'IP address',
+                  'IP address source', 'MAC address', 'Subnet mask', 'IPv4 header parameters', 'Primary RMCP port',
+                  'Secondary RMCP port', 'BMC-generated ARP control', 'Gratuitous ARP interval',
+                  'Default gateway address', 'Default gateway MAC address', 'Backup gateway address',
+                  'Backup gateway MAC address', 'Community string', 'Number of destinations', 'Destination type',
+                  'Destination addresses', '802.1q VLAN ID', '802.1q VLAN priority', 'Cipher suite entry support',
+                  'Cipher suite entries', 'Cipher suite privilege levels', 'Destination address VLAN tags']
+LAN_TABLES = 'destination type, destination addresses, destination address VLAN tags'
+PEF_PARAMETERS = ['Set in progress', 'PEF control', 'PEF action global control', 'PEF startup delay',
+                  'PEF alert startup delay', 'Number of event filters', 'Event filter table',
+                  'Event filter table data 1', 'Number of alert policy entries', 'Alert policy table', 'System GUID',
+                  'Number of alert string keys', 'Alert string keys', 'Alert strings',
+                  'Number of group control table entries', 'Group control table']
+PEF_TABLES = 'the event filter and alert policy tables, alert strings and their keys, the group control table'
+
+
+def numbered(names, first=None):
+    return ([('0', f'0: {first}')] if first else []) + [(str(n), f'{n}: {name}') for n, name in enumerate(names) if n > 0]
+
+
+LAN_READ = numbered(LAN_PARAMETERS, 'all parameters')
+PEF_READ = numbered(PEF_PARAMETERS, 'all parameters')
+
+
+def parameter_fields(options, chosen):
+    return [Field('select', 'parameter', 'Parameter', '', False, options, chosen),
+            Field('number', 'parameter', 'Or a parameter by number', 'takes the place of the list\'s choice when '
+                  'given: 0 to 255', attrs=' min="0" max="255"', alias='-number')]
+
+
+def selector(tables):
+    return Field('number', 'sel', 'Set selector (entry)', f'tables only ({tables}): which entry; empty for the '
+                 'other parameters', attrs=' min="0" max="255"')
 
 
 def reading_sensor_page(verb, title, intro, read_what):
@@ -276,7 +318,7 @@ PAGES['switchover'] = fixed_page(
     'switchover', 'Switchover',
     'Hands control of the shelf over to the backup shelf manager. This shelf manager stops being the active one, '
     'and this page then speaks to a shelf manager that no longer controls the shelf: reconnect to the shelf\'s '
-    'address. Without a backup (see IPM Controller Information for a second shelf manager) nothing is handed over.',
+    'address. Without a backup nothing is handed over.',
     'Switch over', 'Yes, hand control over to the backup shelf manager')
 PAGES['showunhealthy'] = page('showunhealthy', 'Unhealthy Components Information',
                               'Lists the components that the shelf manager considers unhealthy.',
@@ -479,15 +521,13 @@ LAN_VALUES = ('IP addresses and masks like 192.0.2.10; MAC addresses like 00:00:
               'address source: static, dhcp, bios or none; VLAN ID: 0 to 4095')
 PAGES['getlanconfig'] = page('getlanconfig', 'Get LAN Configuration Information',
                              'Shows the configuration of a LAN channel of the shelf manager.', [
-    Form('read', 'LAN configuration', [channel(), Field('select', 'parameter', 'Parameter', '', True, LAN_READ, '0')],
-         [button('Show')]),
+    Form('read', 'LAN configuration', [channel(), *parameter_fields(LAN_READ, '0')], [button('Show')]),
 ])
 PAGES['setlanconfig'] = page('setlanconfig', 'Set LAN Configuration Information',
                              'Sets one configuration parameter of a LAN channel of the shelf manager.', [
     Form('set', 'LAN configuration', note='A new IP address, netmask or gateway of the channel you are connected '
          'through ends this connection: reconnect at the new address (https://NEW-ADDRESS/), from a network '
-         'that reaches it.', fields=[channel(),
-         Field('select', 'parameter', 'Parameter', '', True, [p for p in LAN_READ if p[0] not in ('0', '1')], '3'),
+         'that reaches it.', fields=[channel(), *parameter_fields(LAN_READ[1:], '3'), selector(LAN_TABLES),
          Field('text', 'value', 'New value', LAN_VALUES, True, attrs=' maxlength="40" autocomplete="off" spellcheck="false"'),
          confirm('Yes, change the LAN configuration')],
          buttons=[button('Set'), button('Read back', action='getlanconfig', reads=True)]),
@@ -497,16 +537,12 @@ PEF_VALUES = ('PEF control: 0 to 15; action global control: 0 to 63; delays: sec
               'table entries: hexadecimal bytes separated by blanks, such as 0x00 0x01 0x00 0x00')
 PAGES['getpef'] = page('getpef', 'Get PEF Configuration Information',
                        'Shows the platform event filtering (PEF) configuration of the shelf manager.', [
-    Form('read', 'PEF configuration', [Field('select', 'parameter', 'Parameter', '', True, PEF_READ, '0')],
-         [button('Show')]),
+    Form('read', 'PEF configuration', parameter_fields(PEF_READ, '0'), [button('Show')]),
 ])
 PAGES['setpef'] = page('setpef', 'Set PEF Configuration Information',
                        'Sets one platform event filtering (PEF) configuration parameter.', [
     Form('set', 'PEF configuration', [
-        Field('select', 'parameter', 'Parameter', '', True,
-              [p for p in PEF_READ if p[0] in ('1', '2', '3', '4', '6', '9')], '1'),
-        Field('number', 'sel', 'Entry', 'tables only: which entry, 1 to 4; empty for the other parameters',
-              attrs=' min="1" max="4"'),
+        *parameter_fields(PEF_READ[1:], '1'), selector(PEF_TABLES),
         Field('text', 'value', 'New value', PEF_VALUES, True, attrs=' maxlength="60" autocomplete="off" spellcheck="false"'),
         confirm('Yes, change the PEF configuration')],
         [button('Set'), button('Read back', action='getpef', reads=True)]),
@@ -677,6 +713,10 @@ ERRORS = {
         'The browser sent a change again that this page had sent once (after\ngoing back or forward, or '
         'reloading). Each change is sent once per press.',
         'To make the change again, load the form page anew (F5) and press its\nbutton.']),
+    '503': refusal('Busy: nothing was sent to the shelf', [
+        'As many requests as the shelf manager runs at once are still waiting\nfor the shelf. '
+        'This one was not started.',
+        'Try again in a minute; a request that hangs is ended after 40 seconds.']),
 }
 
 

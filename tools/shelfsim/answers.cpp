@@ -175,6 +175,48 @@ void log_event(State& st, unsigned addr, const char* fmt, ...) {
     add_log_entry(st, log_time().c_str(), addr, buf);
 }
 
+namespace {
+
+// The threshold state of every sensor of every controller, in table order
+// (-1 where none is crossed).
+std::vector<int> threshold_states(const State& st) {
+    std::size_t n = 0, sn = 0;
+    const Ipmc* ipmcs = ipmc_table(n);
+    const SensorDef* sensors = sensor_table(sn);
+    std::vector<int> states;
+    for (std::size_t i = 0; i < n; ++i)
+        for (std::size_t j = 0; j < sn; ++j)
+            if (sensors[j].profile == ipmcs[i].profile) states.push_back(sensor_status(st, ipmcs[i], sensors[j]));
+    return states;
+}
+
+void log_crossing(State& st, unsigned addr, const SensorDef& s, int threshold, bool asserted) {
+    log_event(st, addr, "%s: %s going %s, %s", s.name, threshold_long_name(threshold), threshold <= t_lnc ? "low" : "high",
+              asserted ? "asserted" : "deasserted");
+}
+
+// A command that moves a sensor past a threshold (a fan level, a new
+// threshold) logs the event a shelf would: the old state deasserted, the
+// new one asserted. So the event log, the unhealthy list and the sensors
+// always agree.
+void log_threshold_changes(State& st, const std::vector<int>& before) {
+    std::vector<int> after = threshold_states(st);
+    std::size_t n = 0, sn = 0, k = 0;
+    const Ipmc* ipmcs = ipmc_table(n);
+    const SensorDef* sensors = sensor_table(sn);
+    for (std::size_t i = 0; i < n; ++i)
+        for (std::size_t j = 0; j < sn; ++j) {
+            if (sensors[j].profile != ipmcs[i].profile) continue;
+            int was = before[k], now = after[k];
+            ++k;
+            if (was == now) continue;
+            if (was >= 0) log_crossing(st, ipmcs[i].addr, sensors[j], was, false);
+            if (now >= 0) log_crossing(st, ipmcs[i].addr, sensors[j], now, true);
+        }
+}
+
+}  // namespace
+
 void answer(std::string_view line, State& st, std::string& out) {
     std::vector<std::string_view> words = tokenize(line);
     if (words.empty()) return;
@@ -188,7 +230,9 @@ void answer(std::string_view line, State& st, std::string& out) {
     }
     Ctx c{st, out, {words.begin() + 1, words.end()}, false, {}, cmd->usage};
     strip_flags(c, 0);
+    std::vector<int> before = threshold_states(st);
     cmd->run(c);
+    log_threshold_changes(st, before);
 }
 
 // --- state accessors -------------------------------------------------------
@@ -317,6 +361,7 @@ void fill_defaults(State& st, bool with_log) {
         add_log_entry(st, "2024-03-04 09:12:55", 0x86, "Board Temp: Upper Non-Critical going high, asserted");
         add_log_entry(st, "2024-03-04 09:14:02", 0x86, "Board Temp: Upper Non-Critical going high, deasserted");
         add_log_entry(st, "2024-03-04 10:01:17", 0x74, "Fan Tach: Lower Critical going low, asserted");
+        add_log_entry(st, "2024-03-04 10:01:49", 0x74, "Fan Tach: Lower Critical going low, deasserted");
     }
 }
 

@@ -75,9 +75,9 @@ TEST(Answers, GatewayCommandShapes) {
         {"gethysteresis  board1 0 1", "Positive-going Threshold Hysteresis: raw 0x02"},
         {"getsensoreventenable 0x82 1", "Assertion Event Mask: 0x0285"},
         {"setsensoreventenable 0x82 1 0x80  ", "sensor scanning disabled"},
-        {"sel   ", "SEL entries: 6"},
+        {"sel   ", "SEL entries: 7"},
         {"sel -v 0x86 1", "0x0005:"},
-        {"sel info   ", "Entries: 6"},
+        {"sel info   ", "Entries: 7"},
         {"fans  ", "0x72: FRU # 0 (Fan Tray 1): Current Level: 6"},
         {"getfanlevel  0x72 0", "0x72: FRU # 0 Current Level: 6"},
         {"getfanlevel -v fantray2 0", "Fan Tach: 5400 RPM"},
@@ -176,7 +176,7 @@ TEST(Answers, ChangesShowInLaterAnswers) {
         {"setfanlevel -v all 2", "fans  ", "0x74: FRU # 0 (Fan Tray 2): Current Level: 2"},
         {"setfanlevel  0x72 0 0", "showunhealthy ", "\"Fan Tach\"): Lower Non-Recoverable threshold crossed"},
         {"sel clear ", "sel   ", "no SEL entries"},
-        {"boardreset 1", "sel   ", "SEL entries: 7"},
+        {"boardreset 1", "sel   ", "SEL entries: 8"},
         {"setthreshold  0x82 3 unc -r 0x7d", "getthreshold  0x82 3", "(unc): raw 0x7d, 12.50 Volts"},
         {"setthreshold  board1 0 1 ucr  80", "getthreshold  0x82 1", "(ucr): raw 0x50"},
         {"setthreshold  0x82 2 unc  30", "shelf cooling_state", "Cooling state: Warning"},
@@ -221,4 +221,32 @@ TEST(Answers, LockedFruStaysDownUntilUnlocked) {
     EXPECT_NE(ask(st, "activate 0x82 0").find("is locked"), std::string::npos);
     ask(st, "setlocked 0x82 0 0");
     EXPECT_NE(ask(st, "activate 0x82 0").find("now M4"), std::string::npos);
+}
+
+// The unhealthy list and the event log follow the sensors: a command that
+// moves a sensor past a threshold logs it asserted, and deasserted when it
+// moves back; a fresh shelf is healthy and its log ends with nothing
+// asserted.
+TEST(Answers, ThresholdEventsFollowTheSensors) {
+    State st = fresh();
+    EXPECT_NE(ask(st, "showunhealthy ").find("no unhealthy components"), std::string::npos);
+    struct Step {
+        const char* cmd;
+        const char* unhealthy;  // in the unhealthy list after it, or nullptr when healthy
+        const char* logged;     // the log's last entry after it
+    } steps[] = {
+        {"setfanlevel 0x74 0 0", "Lower Non-Recoverable threshold crossed", "Fan Tach: Lower Non-Recoverable going low, asserted"},
+        {"setfanlevel 0x74 0 6", nullptr, "Fan Tach: Lower Non-Recoverable going low, deasserted"},
+        {"setthreshold 0x86 2 unc 30", "Upper Non-Critical threshold crossed", "Board Temp: Upper Non-Critical going high, asserted"},
+        {"setthreshold 0x86 2 unc 60", nullptr, "Board Temp: Upper Non-Critical going high, deasserted"},
+    };
+    for (const Step& step : steps) {
+        ask(st, step.cmd);
+        std::string unhealthy = ask(st, "showunhealthy ");
+        if (step.unhealthy) EXPECT_NE(unhealthy.find(step.unhealthy), std::string::npos) << step.cmd << unhealthy;
+        else EXPECT_NE(unhealthy.find("no unhealthy components"), std::string::npos) << step.cmd << unhealthy;
+        std::string log = ask(st, "sel  0x20 ");
+        EXPECT_NE(log.rfind(step.logged), std::string::npos) << step.cmd << log;
+        EXPECT_EQ(log.size() - log.rfind(step.logged), std::string(step.logged).size() + 1) << step.cmd << log;
+    }
 }
