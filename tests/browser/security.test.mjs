@@ -396,9 +396,11 @@ test('a viewer changes nothing, whatever it posts', async () => {
   assert.equal(readFileSync(server.state, 'utf8'), before);
   // Tokens are taken only for verbs that can change the shelf: a viewer
   // writes nothing into the server's spool.
-  const token = `${'0123456789abcdef'.repeat(2)}-viewer`;
-  assert.equal((await viewer.post(`${server.base}/cgi-bin/version?once=${token}`, { data: 'x=1', headers: form })).status(), 200);
-  assert.equal(existsSync(join(server.run, 'spool/once', token)), false);
+  for (const verb of ['version', 'alarm']) {
+    const token = `${'0123456789abcdef'.repeat(2)}-${verb}`;
+    assert.equal((await viewer.post(`${server.base}/cgi-bin/${verb}?once=${token}`, { data: 'x=1', headers: form })).status(), 200);
+    assert.equal(existsSync(join(server.run, 'spool/once', token)), false, verb);
+  }
   await viewer.dispose();
 });
 
