@@ -62,6 +62,31 @@ test('the index links every form page once', async () => {
   assert.deepEqual(links.sort(), verbs.map((v) => `${v}.html`).sort());
 });
 
+// By keyboard, the skip link leads to the list of families, each of which
+// leads to its own pages: every page is at most 8 Tab presses away.
+test('the index reaches every page in at most 8 Tab presses after the skip link', async () => {
+  await page.goto(`${server.base}/verbs/index.html`);
+  const families = await page.locator('nav.families a').evaluateAll((as) => as.map((a) => a.getAttribute('href').slice(1)));
+  const pages = await page.locator('section.group').evaluateAll((sections) => sections.map((s) =>
+    [...s.querySelectorAll('ul.verbs a')].map((a) => a.id)));
+  assert.equal(pages.flat().length, verbs.length);
+  for (const [k, family] of pages.entries()) {
+    assert.equal(families[k], family[0], 'each family link leads to its first page');
+    for (const [i, verb] of family.entries()) {
+      await page.goto(`${server.base}/verbs/index.html`);
+      await page.keyboard.press('Tab');
+      await page.keyboard.press('Enter');
+      const tabs = k + i;
+      for (let n = 0; n < k; n++) await page.keyboard.press('Tab');
+      await page.keyboard.press('Enter');
+      for (let n = 0; n < i; n++) await page.keyboard.press('Tab');
+      assert.equal(await page.evaluate(() => document.activeElement.id), verb);
+      assert.ok(tabs <= 8, `${verb}: ${tabs} Tab presses`);
+      await Promise.all([page.waitForURL(`**/verbs/${verb}.html`), page.keyboard.press('Enter')]);
+    }
+  }
+});
+
 // The index opens with what the shelf says now, for either role, with no
 // click: each tile a reading verb's answer, by GET.
 test('the index shows the shelf at a glance, to an operator and to a viewer', async () => {
@@ -157,6 +182,15 @@ test('a change runs only when confirmed, and reads back from the same page', asy
   assert.match(await submit('setfanlevel', 'name', { pti_sym1_1: 'fantray1', id2_1: '0', value: '4' }, 'Set the level',
     { confirm: true }), /Set Fan Level to: 4\b/);
   assert.match(await submit('setfanlevel', 'address', {}, 'Read back'), /Current Level: 4\b/);
+  // A Read back with the new value left empty marks no field; a wrong
+  // value is marked.
+  await page.goto(`${server.base}/verbs/setfanlevel.html`);
+  await submit('setfanlevel', 'address', { addr1_0: '0x72', id2_0: '0' }, 'Read back');
+  const border = (id) => page.locator(id).evaluate((e) => getComputedStyle(e).borderTopColor);
+  assert.notEqual(await border('#value-address'), 'rgb(179, 38, 30)', 'the empty new value is not marked');
+  await page.locator('#addr1_0-address').fill('0x7');
+  await page.locator('#addr1_0-address').blur();
+  assert.equal(await border('#addr1_0-address'), 'rgb(179, 38, 30)', 'a wrong address is marked');
 });
 
 test('the event log shows without confirmation and clears only with it', async () => {

@@ -48,8 +48,11 @@ class Field:
             control = f'<select id="{fid}" name="{self.name}"{required}{described}>{options}\n  </select>'
         else:
             value = f' value="{self.value}"' if self.value is not None else ''
+            # A blank placeholder lets the style tell an empty field (not
+            # marked when another button, such as Read back, sent the form)
+            # from a wrong one.
             control = (f'<input type="{self.kind}" id="{fid}" name="{self.name}"{value}{self.attrs}'
-                       f'{required}{described}>')
+                       f' placeholder=" "{required}{described}>')
         return f'<div class="field">\n  <label for="{fid}">{self.label}</label>\n  {control}{hint}\n</div>'
 
 
