@@ -106,7 +106,9 @@ for (const verb of PAGES) {
     assert.match(html, /<link rel="icon" href="\/favicon.ico">/);
     assert.match(html, /<meta name="viewport"/);
     assert.match(html, /<iframe name="answer" title="[^"]+" src="answer.html"><\/iframe>/);
-    assert.doesNotMatch(html, /placeholder=|<script|style="/i, 'no placeholders, script or inline style');
+    // A blank placeholder only tells the style an empty field: no text
+    // stands in a field in place of its label or hint.
+    assert.doesNotMatch(html, /placeholder="[^"]*\S|<script|style="/i, 'no placeholder text, script or inline style');
     const ids = controls(html).filter((c) => c.id).map((c) => c.id);
     assert.equal(new Set(ids).size, ids.length, 'ids unique');
     const labels = tags(html, 'label').map((l) => l.for);
