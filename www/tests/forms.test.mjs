@@ -108,7 +108,7 @@ for (const verb of PAGES) {
     assert.match(html, /<iframe name="answer" title="[^"]+" src="answer.html"><\/iframe>/);
     // A blank placeholder only tells the style an empty field: no text
     // stands in a field in place of its label or hint.
-    assert.doesNotMatch(html, /placeholder="[^"]*\S|<script|style="/i, 'no placeholder text, script or inline style');
+    assert.doesNotMatch(html, /placeholder="[^"]*[^"\s]|<script|style="/i, 'no placeholder text, script or inline style');
     const ids = controls(html).filter((c) => c.id).map((c) => c.id);
     assert.equal(new Set(ids).size, ids.length, 'ids unique');
     const labels = tags(html, 'label').map((l) => l.for);
