@@ -1,5 +1,6 @@
 // Eight tasks as an operator does them without the manual, starting at the
-// index, in Chromium at a desk's size and a phone's, and the same tasks as
+// index, in Chromium at a desk's size, a phone's and the desk's at 200%
+// zoom, and the same tasks as
 // a viewer, who reads everything and is told why a change is refused.
 // Each task counts the documents loaded (pages and frames) and the presses
 // it took; it fails on a server error, a missing overview, an answer
@@ -39,7 +40,9 @@ const tasks = [
     { open: 'Switchover' }, { frame: 'IPM controllers of the shelf', shows: /0x20: Shelf Manager/ }, { tick: '#confirm-run' },
     { press: 'Switch over', form: 'run', operator: /no backup shelf manager/, viewer: refused }]],
 ];
-const sizes = [[1280, 800], [390, 844]];
+// A desk, a phone, and the desk at 200% zoom (half the CSS pixels, each
+// drawn twice as large).
+const sizes = [[1280, 800, 1], [390, 844, 3], [640, 400, 2]];
 
 let server, browser;
 before(async () => {
@@ -51,11 +54,11 @@ after(async () => {
   await server?.stop();
 });
 
-for (const role of ['operator', 'viewer']) for (const [width, height] of sizes) describe(`${role} at ${width}×${height}`, () => {
+for (const role of ['operator', 'viewer']) for (const [width, height, scale] of sizes) describe(`${role} at ${width}×${height}, ${scale}×`, () => {
   let page, loads = 0, presses = 0;
   const errors = [];
   before(async () => {
-    const context = await browser.newContext({ ignoreHTTPSErrors: true, viewport: { width, height },
+    const context = await browser.newContext({ ignoreHTTPSErrors: true, viewport: { width, height }, deviceScaleFactor: scale,
       httpCredentials: server.accounts[role], isMobile: width < 600, hasTouch: width < 600 });
     page = await context.newPage();
     page.on('response', (r) => {
