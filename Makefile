@@ -27,7 +27,8 @@ build:
 # SERVER=apache, SERVER=nginx) with the shipped configuration, HTTPS on
 # 127.0.0.1:$(PORT) and the redirect on $(HTTP_PORT), the simulated shelf as
 # shelfctl, and two accounts made at the first start (their passwords in
-# $(DEMO)/passwords).
+# $(DEMO)/passwords). What the server reads is installed in $(DEMO), or
+# for root, whose server drops to www-data, in /var/lib/verbgw-demo/.
 # It installs and builds only what it needs (the server, the gateway, the
 # simulated shelf); a demo still running from this checkout is left alone.
 demo:
@@ -35,10 +36,8 @@ demo:
 	@SERVER=$(SERVER) scripts/bootstrap demo
 	@cmake -S . -B $(BUILD) -DCMAKE_BUILD_TYPE=Release >/dev/null
 	@cmake --build $(BUILD) -j $(JOBS) --target verbgw shelfctl
-	@rm -rf $(DEMO)/install
-	@cmake --install $(BUILD) --prefix $(DEMO)/install >/dev/null
 	@DEMO=$(DEMO) PORT=$(PORT) HTTP_PORT=$(HTTP_PORT) SERVER=$(SERVER) \
-		setpriv --pdeathsig TERM scripts/demo $(BUILD)/tools/shelfsim
+		setpriv --pdeathsig TERM scripts/demo $(BUILD)
 
 # The gateway for the shelf manager: 32-bit ARM, glibc (build-arm/verbgw).
 # Its tests run under user-mode emulation with the host's stand-in tool.
