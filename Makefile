@@ -3,6 +3,7 @@ JOBS ?= 2
 BUILD := build
 ASAN_BUILD := build-asan
 ARM_BUILD := build-arm
+DEVICE_BUILD := build-device
 FUZZ_BUILD := build-fuzz
 FUZZ_SECONDS ?= 60
 FUZZ_HARNESSES := fuzz_form_decode fuzz_verb_plans
@@ -12,7 +13,7 @@ HTTP_PORT ?= 8080
 SERVER ?= lighttpd
 DEMO := $(BUILD)/demo
 
-.PHONY: all build arm fuzz-build fuzz test demo memcheck loadtest bench clean bootstrap fresh-check mutation
+.PHONY: all build arm fuzz-build fuzz test demo device device-image device-test memcheck loadtest bench clean bootstrap fresh-check mutation
 
 all: build
 
@@ -45,6 +46,28 @@ arm: build
 	@cmake -S . -B $(ARM_BUILD) -DCMAKE_TOOLCHAIN_FILE=cmake/arm-linux-gnueabihf.cmake \
 		-DCMAKE_BUILD_TYPE=Release -DVERBGW_HOST_STUB_DIR=$(CURDIR)/$(BUILD)/tests/stub >/dev/null
 	@cmake --build $(ARM_BUILD) -j $(JOBS)
+
+# The shelf manager as a device: a Debian bookworm armhf root with the
+# product's package installed and the simulated shelf, booted under
+# qemu-system-arm, its HTTPS on 127.0.0.1:$(PORT) and the redirect on
+# $(HTTP_PORT). The root is cached in ~/.cache/verbgw-device
+# (VERBGW_DEVICE_CACHE); the first build takes about 10 minutes.
+device: device-image
+	@PORT=$(PORT) HTTP_PORT=$(HTTP_PORT) setpriv --pdeathsig TERM scripts/device boot
+
+# The package for the target (build-device/package/) and the image.
+device-image:
+	@DEVICE=yes scripts/bootstrap demo
+	@cmake -S . -B $(DEVICE_BUILD) -DCMAKE_TOOLCHAIN_FILE=cmake/arm-linux-gnueabihf.cmake \
+		-DCMAKE_BUILD_TYPE=Release -DVERBGW_TESTS=OFF >/dev/null
+	@cmake --build $(DEVICE_BUILD) -j $(JOBS) --target verbgw shelfctl
+	@rm -rf $(DEVICE_BUILD)/package
+	@scripts/package $(DEVICE_BUILD) armhf $(DEVICE_BUILD)/package >/dev/null
+	@scripts/device image $(DEVICE_BUILD)/package/verbgw_*_armhf.deb $(DEVICE_BUILD)/tools/shelfsim/shelfctl >/dev/null
+
+# The browser security, operator and load suites against the booted device.
+device-test: bootstrap build device-image
+	@cd $(BUILD) && ctest -L device --output-on-failure
 
 # The libFuzzer harnesses, built by clang with AddressSanitizer and
 # UndefinedBehaviorSanitizer (build-fuzz/fuzz/).
@@ -87,8 +110,10 @@ memcheck: bootstrap build
 
 # Wall time, memory and size of one request against the floor and the
 # classic designs; then requests per second through lighttpd.
-bench: bootstrap build arm
+bench: bootstrap build arm device-image
 	@ARM_BUILD=$(ARM_BUILD) bench/run $(BUILD)
+	@echo
+	@bench/device $(BUILD)/bench/device
 
 # Bounded load through lighttpd and the simulator (loopback only).
 loadtest: bootstrap build
@@ -110,4 +135,4 @@ fresh-check:
 	@scripts/fresh-check
 
 clean:
-	rm -rf $(BUILD) $(ASAN_BUILD) $(ARM_BUILD) $(FUZZ_BUILD) build-fresh build-mutation
+	rm -rf $(BUILD) $(ASAN_BUILD) $(ARM_BUILD) $(DEVICE_BUILD) $(FUZZ_BUILD) build-fresh build-mutation

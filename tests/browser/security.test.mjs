@@ -13,7 +13,7 @@ import { chmodSync, existsSync, lstatSync, readdirSync, readFileSync, renameSync
 import { execFileSync } from 'node:child_process';
 import { join } from 'node:path';
 import { request as playwrightRequest } from 'playwright-core';
-import { startServer, freePort, repo } from './serve.mjs';
+import { startServer, freePort, onDevice, repo } from './serve.mjs';
 import { launchChromium } from './chromium.mjs';
 import { expectDirectAnswers, form, getVerbs, guardedVerbs, readingVerbs } from './requests.mjs';
 
@@ -23,8 +23,11 @@ const policy = "default-src 'none'; style-src 'self'; img-src 'self'; form-actio
 // What the gateway answers may hold markup from the tool: it is sandboxed.
 const answerPolicy = `${policy}; sandbox`;
 
-// VERBGW_SERVERS=nginx (say) tries one server alone.
-const servers = (process.env.VERBGW_SERVERS ?? 'lighttpd,apache,nginx').split(',');
+// VERBGW_SERVERS=nginx (say) tries one server alone; on the emulated
+// device, its own lighttpd. There, what needs the server's processes or
+// its tool on this host is left out.
+const servers = onDevice ? ['device'] : (process.env.VERBGW_SERVERS ?? 'lighttpd,apache,nginx').split(',');
+const hostOnly = (what) => onDevice && `on the device: ${what}`;
 for (const serverName of servers) describe(serverName, () => {
 let server, browser, attacker, attackerBase;
 const leaks = [];  // requests that reached the attacker's server from a shelf page
@@ -173,7 +176,7 @@ test('every path needs a user, and only an operator changes the shelf', async ()
   const done = await operator.post(`${server.base}/cgi-bin/setfanlevel`, set);
   assert.equal(done.status(), 200);
   assert.match(await done.text(), /Set Fan Level to: 9/);
-  const audit = /^\S+ 127\.0\.0\.1 operator "POST \/cgi-bin\/setfanlevel HTTP\/[\d.]+" 200 \d+$/;
+  const audit = new RegExp(`^\\S+ ${server.clientAddress.replaceAll('.', '\\.')} operator "POST /cgi-bin/setfanlevel HTTP/[\\d.]+" 200 \\d+$`);
   assert.ok((await logged('/cgi-bin/setfanlevel', audit)).some((l) => audit.test(l)));
 
   // A GET runs only the verbs whose bare command reads, whoever sends it,
@@ -243,7 +246,7 @@ test('every response carries the protective headers; plain HTTP only redirects',
   await anonymous.dispose();
 });
 
-test('the gateway and the tool run unprivileged', { skip: process.getuid() !== 0 && 'only a root start drops privileges' },
+test('the gateway and the tool run unprivileged', { skip: !onDevice && process.getuid() !== 0 && 'only a root start drops privileges' },
   async () => {
     const operator = await api('operator');
     const page = await operator.post(`${server.base}/cgi-bin/activate`,
@@ -279,7 +282,8 @@ function latePost(path, authorization, body) {
   });
 }
 
-test(`a tool that hangs holds at most ${viewerGateways} gateways for viewers, and an operator still gets one`, async (t) => {
+test(`a tool that hangs holds at most ${viewerGateways} gateways for viewers, and an operator still gets one`,
+  { skip: hostOnly('the test replaces the tool and counts its processes') }, async (t) => {
   const script = readFileSync(server.tool);
   writeFileSync(server.tool, '#!/bin/sh\nsleep 6\n');
   const tools = () => readdirSync('/proc').filter((p) => /^\d+$/.test(p)).filter((p) => {
@@ -316,7 +320,7 @@ test(`a tool that hangs holds at most ${viewerGateways} gateways for viewers, an
 });
 
 test('a client that sends its headers slowly is dropped within 20 s',
-  { skip: serverName === 'lighttpd' && 'lighttpd 1.4.69 restarts its read timer at every byte it reads' }, async () => {
+  { skip: ['lighttpd', 'device'].includes(serverName) && 'lighttpd 1.4.69 restarts its read timer at every byte it reads' }, async () => {
   const start = Date.now();
   await new Promise((ok) => {
     const socket = tls.connect({ host: '127.0.0.1', port: server.port, rejectUnauthorized: false, ALPNProtocols: ['http/1.1'] });
@@ -332,10 +336,14 @@ test('a client that sends its headers slowly is dropped within 20 s',
   assert.ok(Date.now() - start < 21000, `held ${Date.now() - start} ms`);
 });
 
-test('250 connections that never send their body do not keep out another client', async () => {
+// Under emulation each TLS handshake costs the device tens of milliseconds:
+// fewer held connections, so that their handshakes end well before the
+// body timeout would free them.
+const held = onDevice ? 60 : 250;
+test(`${held} connections that never send their body do not keep out another client`, async () => {
   const hung = [];
   try {
-    for (let i = 0; i < 250; i++) {
+    for (let i = 0; i < held; i++) {
       const socket = tls.connect({ host: '127.0.0.1', port: server.port, rejectUnauthorized: false, ALPNProtocols: ['http/1.1'] });
       socket.on('error', () => {});
       socket.on('secureConnect', () => socket.write(
@@ -346,7 +354,7 @@ test('250 connections that never send their body do not keep out another client'
     await new Promise((r) => setTimeout(r, 500));
     const viewer = await api('viewer');
     // Served before the servers' 10 s body timeout would free anything
-    // held (the 250 handshakes alone take a loaded machine some seconds).
+    // held (the handshakes alone take a loaded machine some seconds).
     const page = await viewer.get(`${server.base}/verbs/index.html`, { timeout: 8000 });
     assert.equal(page.status(), 200);
     await viewer.dispose();
@@ -424,7 +432,8 @@ async function pressAndWait(page, button) {
 // History steps wait for what they load, which may be only the frame.
 const settle = (page) => page.waitForTimeout(400);
 
-test('markup in a tool\'s answer sends nothing that changes the shelf', async () => {
+test('markup in a tool\'s answer sends nothing that changes the shelf',
+  { skip: hostOnly('the test replaces the tool') }, async () => {
   // A shelf prints text that comes from boards (FRU names, event text):
   // here the FRU information is hostile markup.
   const dir = join(server.tool, '..');
@@ -527,7 +536,9 @@ for (const [verb, formKey, fields, label] of presses) {
   });
 }
 
-test('nothing the server account writes is trusted by root', { skip: process.getuid() !== 0 && 'needs root' }, async () => {
+test('nothing the server account writes is trusted by root',
+  { skip: hostOnly('the test plants files as the server account and restarts the server')
+    || (process.getuid() !== 0 && 'needs root') }, async () => {
   // What root owns in the run directory, and a victim outside it.
   const victim = join(server.dir, 'victim');
   writeFileSync(victim, 'root\'s own\n');
@@ -576,7 +587,8 @@ function requestFrom(localAddress, authorization, path = '/verbs/index.html') {
 }
 const basicOf = (name, password) => `Basic ${Buffer.from(`${name}:${password}`).toString('base64')}`;
 
-test('guessing passwords is slow and tells nothing', async (t) => {
+test('guessing passwords is slow and tells nothing',
+  { skip: hostOnly('every host address reaches it as qemu\'s one gateway address') }, async (t) => {
   // Unknown names and wrong passwords look alike.
   const unknown = [], wrong = [];
   for (let i = 0; i < 10; i++) {

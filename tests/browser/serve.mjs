@@ -2,7 +2,7 @@
 // lighttpd configuration (HTTPS on a free loopback port, the redirect on
 // another, two accounts, the simulated shelf as shelfctl), and stops it.
 import { spawn, execFileSync } from 'node:child_process';
-import { chmodSync, copyFileSync, mkdirSync, mkdtempSync, rmSync } from 'node:fs';
+import { chmodSync, copyFileSync, mkdirSync, mkdtempSync, readFileSync, rmSync, writeFileSync } from 'node:fs';
 import { createServer, connect } from 'node:net';
 import { tmpdir } from 'node:os';
 import { randomBytes } from 'node:crypto';
@@ -30,10 +30,17 @@ function accepting(port) {
   });
 }
 
-export async function startServer({ build = process.env.VERBGW_BUILD ?? join(repo, 'build'), timeout = 45,
-  server: name = 'lighttpd' } = {}) {
-  // Every directory on the way must be reachable by the account the server
-  // drops to when the tests run as root.
+// With VERBGW_DEVICE=1 the suites talk to the emulated device that
+// scripts/device started (on PORT and HTTP_PORT), whose run directory,
+// /var/tmp and shelf state are in VERBGW_DEVICE_SHARE on this host, and
+// whose accounts are in VERBGW_DEVICE_PASSWORDS (name:password lines).
+// What the tests run directly is this build's gateway and simulator.
+export const onDevice = process.env.VERBGW_DEVICE === '1';
+
+// A scratch directory with the build installed and the simulator as the
+// tool; every directory on the way reachable by the account the server
+// drops to when the tests run as root.
+function scratch(build) {
   const dir = mkdtempSync(join(tmpdir(), 'verbgw-web-'));
   chmodSync(dir, 0o755);
   const install = join(dir, 'install');
@@ -42,6 +49,48 @@ export async function startServer({ build = process.env.VERBGW_BUILD ?? join(rep
   mkdirSync(toolDir);
   copyFileSync(join(build, 'tools/shelfsim/shelfctl'), join(toolDir, 'shelfctl'));
   chmodSync(join(toolDir, 'shelfctl'), 0o755);
+  return { dir, install, toolDir };
+}
+
+function withAccounts(server, accounts) {
+  // The Authorization header of an account.
+  return { ...server, accounts, basic: (role) => `Basic ${Buffer.from(`${role}:${accounts[role].password}`).toString('base64')}` };
+}
+
+function attachDevice(build) {
+  const { dir, install, toolDir } = scratch(build);
+  const share = process.env.VERBGW_DEVICE_SHARE;
+  // Each suite starts from the shelf as it was delivered, as it would with
+  // a server of its own: the simulator takes an empty state for that.
+  writeFileSync(join(share, 'shelf.state'), '');
+  const accounts = {};
+  for (const line of readFileSync(process.env.VERBGW_DEVICE_PASSWORDS, 'utf8').split('\n').filter(Boolean)) {
+    const [username, password] = [line.slice(0, line.indexOf(':')), line.slice(line.indexOf(':') + 1)];
+    accounts[username] = { username, password };
+  }
+  const port = Number(process.env.PORT);
+  return withAccounts({
+    base: `https://127.0.0.1:${port}`,
+    httpBase: `http://127.0.0.1:${process.env.HTTP_PORT}`,
+    port,
+    dir,
+    root: join(install, 'www'),
+    tool: join(toolDir, 'shelfctl'),
+    state: join(share, 'shelf.state'),
+    run: join(share, 'run'),
+    accessLog: join(share, 'run/log/access.log'),
+    gatewayLog: join(share, 'vartmp/verbgw.log'),
+    clientAddress: '10.0.2.2',  // qemu's user networking, as the device sees this host
+    device: true,
+    async restart() { throw new Error('the tests do not restart a device'); },
+    async stop() { rmSync(dir, { recursive: true, force: true }); },
+  }, accounts);
+}
+
+export async function startServer({ build = process.env.VERBGW_BUILD ?? join(repo, 'build'), timeout = 45,
+  server: name = 'lighttpd' } = {}) {
+  if (onDevice) return attachDevice(build);
+  const { dir, install, toolDir } = scratch(build);
   const etc = join(dir, 'etc');
   const accounts = {};
   for (const role of ['viewer', 'operator']) {
@@ -69,7 +118,7 @@ export async function startServer({ build = process.env.VERBGW_BUILD ?? join(rep
     for (let i = 0; i < 100 && (await accepting(port)); i++) await new Promise((r) => setTimeout(r, 50));
   };
   let server = await launch();
-  return {
+  return withAccounts({
     base: `${busybox ? 'http' : 'https'}://127.0.0.1:${port}`,
     httpBase: `http://127.0.0.1:${httpPort}`,
     port,
@@ -79,9 +128,8 @@ export async function startServer({ build = process.env.VERBGW_BUILD ?? join(rep
     state,
     run,
     accessLog: join(run, 'log/access.log'),
-    accounts,
-    // The Authorization header of an account.
-    basic: (role) => `Basic ${Buffer.from(`${role}:${accounts[role].password}`).toString('base64')}`,
+    gatewayLog: '/var/tmp/verbgw.log',
+    clientAddress: '127.0.0.1',
     // Stopped and started again, as a device's service would be.
     async restart() {
       await halt(server);
@@ -91,5 +139,5 @@ export async function startServer({ build = process.env.VERBGW_BUILD ?? join(rep
       await halt(server);
       rmSync(dir, { recursive: true, force: true });
     },
-  };
+  }, accounts);
 }
