@@ -60,7 +60,8 @@ device-image:
 	@DEVICE=yes scripts/bootstrap demo
 	@cmake -S . -B $(DEVICE_BUILD) -DCMAKE_TOOLCHAIN_FILE=cmake/arm-linux-gnueabihf.cmake \
 		-DCMAKE_BUILD_TYPE=Release -DVERBGW_TESTS=OFF >/dev/null
-	@cmake --build $(DEVICE_BUILD) -j $(JOBS) --target verbgw shelfctl
+	@cmake --build $(DEVICE_BUILD) -j $(JOBS) --target verbgw shelfctl >$(DEVICE_BUILD)/build.log 2>&1 || \
+		{ cat $(DEVICE_BUILD)/build.log; exit 1; }
 	@rm -rf $(DEVICE_BUILD)/package
 	@scripts/package $(DEVICE_BUILD) armhf $(DEVICE_BUILD)/package >/dev/null
 	@scripts/device image $(DEVICE_BUILD)/package/verbgw_*_armhf.deb $(DEVICE_BUILD)/tools/shelfsim/shelfctl >/dev/null
