@@ -1,5 +1,7 @@
 #include "form/form_vars.hpp"
 
+#include "form/number.hpp"
+
 #include <unistd.h>
 
 #include <cerrno>
@@ -19,7 +21,7 @@ int request_method_kind(const char* request_method) {
 std::size_t parse_content_length(const char* text) {
     if (text == nullptr) return 0;
     const char* p = text;
-    while (*p == ' ' || (*p >= '\t' && *p <= '\r')) ++p;
+    while (is_c_space(*p)) ++p;
     bool negative = false;
     if (*p == '+' || *p == '-') negative = *p++ == '-';
     // The body plus its terminating zero must stay addressable; a larger

@@ -1,11 +1,5 @@
 #include "form/number.hpp"
 
-namespace {
-
-bool is_c_space(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
-
-}  // namespace
-
 std::uint32_t read_ulong32(const char* text) {
     const char* p = text;
     while (is_c_space(*p)) ++p;

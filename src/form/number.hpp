@@ -4,6 +4,9 @@
 
 #include <cstdint>
 
+// The white space strtoul skips in the C locale: blank, \t, \n, \v, \f, \r.
+inline bool is_c_space(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+
 // White space skipped, optional sign, digits up to the first non-digit;
 // no digits read as 0. Digits beyond 4294967295 give 4294967295 whatever the
 // sign; otherwise a minus sign negates modulo 2^32.
