@@ -13,7 +13,7 @@ HTTP_PORT ?= 8080
 SERVER ?= lighttpd
 DEMO := $(BUILD)/demo
 
-.PHONY: all build arm fuzz-build fuzz test demo device device-image device-test memcheck loadtest bench clean bootstrap fresh-check mutation
+.PHONY: all build arm fuzz-build fuzz test demo package device device-image device-test memcheck loadtest bench clean bootstrap fresh-check mutation
 
 all: build
 
@@ -65,6 +65,13 @@ device-image:
 	@rm -rf $(DEVICE_BUILD)/package
 	@scripts/package $(DEVICE_BUILD) armhf $(DEVICE_BUILD)/package >/dev/null
 	@scripts/device image $(DEVICE_BUILD)/package/verbgw_*_armhf.deb $(DEVICE_BUILD)/tools/shelfsim/shelfctl >/dev/null
+
+# The Debian packages of the product for the host (amd64) and the target
+# (armhf), in build/package/.
+package: build device-image
+	@rm -rf $(BUILD)/package
+	@scripts/package $(BUILD) $$(dpkg --print-architecture) $(BUILD)/package
+	@scripts/package $(DEVICE_BUILD) armhf $(BUILD)/package
 
 # The browser security, operator and load suites against the booted device.
 device-test: bootstrap build device-image
