@@ -59,9 +59,9 @@ void bind_params(param_registry& registry, char* const* items) {
         const char* value = pair[1];
         if (*value == '\0') continue;
         std::string_view name = pair[0];
-        for (std::size_t i = 0; i < param_count; ++i) {
-            if (param_table[i].name == name) {
-                registry.values[i] = value;
+        for (const param_entry& entry : param_table) {
+            if (entry.name == name) {
+                registry.values[entry.id] = value;
                 break;
             }
         }
@@ -69,8 +69,5 @@ void bind_params(param_registry& registry, char* const* items) {
 }
 
 const char* param_value(const param_registry& registry, std::uint32_t id) {
-    for (std::size_t i = 0; i < param_count; ++i) {
-        if (param_table[i].id == id) return registry.values[i];
-    }
-    return nullptr;
+    return id < param_count ? registry.values[id] : nullptr;
 }

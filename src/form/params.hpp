@@ -39,8 +39,8 @@ struct param_entry {
 inline constexpr std::size_t param_count = 72;
 extern const param_entry param_table[param_count];
 
-// The values bound for one request, by table position; each points into
-// the form variable list, which must outlive every read.
+// The values bound for one request, by parameter id; each points into the
+// form variable list, which must outlive every read.
 struct param_registry {
     const char* values[param_count] = {};
 };

@@ -7,7 +7,7 @@
 // clipped at the desk's size or out of sight after its button.
 import { describe, test, before, after } from 'node:test';
 import assert from 'node:assert/strict';
-import { startServer } from './serve.mjs';
+import { onDevice, startServer } from './serve.mjs';
 import { launchChromium } from './chromium.mjs';
 
 const refused = /may only read/;
@@ -42,7 +42,9 @@ const tasks = [
 ];
 // A desk, a phone, and the desk at 200% zoom (half the CSS pixels, each
 // drawn twice as large).
-const sizes = [[1280, 800, 1], [390, 844, 3], [640, 400, 2]];
+// On the emulated device the tasks run at the first size only: the pages'
+// layout is the browser's and the same bytes, tried at every size on the host.
+const sizes = [[1280, 800, 1], [390, 844, 3], [640, 400, 2]].slice(0, onDevice ? 1 : undefined);
 
 let server, browser;
 before(async () => {
