@@ -51,7 +51,7 @@ arm: build
 # product's package installed and the simulated shelf, booted under
 # qemu-system-arm, its HTTPS on 127.0.0.1:$(PORT) and the redirect on
 # $(HTTP_PORT). The root is cached in ~/.cache/verbgw-device
-# (VERBGW_DEVICE_CACHE); the first build takes about 10 minutes.
+# (VERBGW_DEVICE_CACHE); the first build takes about 6 minutes.
 device: device-image
 	@PORT=$(PORT) HTTP_PORT=$(HTTP_PORT) setpriv --pdeathsig TERM scripts/device boot
 
