@@ -30,7 +30,9 @@ void note_list::write(std::FILE* out) const {
 
 void write_page(std::FILE* out, const verb_plan& plan, tool_runner run_tool) {
     const verb_page& page = *plan.page;
-    put(out, page.header);
+    put(out, "Content-type: text/html\n\n<HTML><HEAD>  ");
+    put(out, page.title);
+    put(out, "</HEAD><BODY>");
     put(out, "<HR><P>");
     put(out, plan.heading.empty() ? page.heading : plan.heading.view());
     plan.notes.write(out);

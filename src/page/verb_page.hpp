@@ -12,9 +12,10 @@
 #include "form/params.hpp"
 #include "page/fixed_text.hpp"
 
-// The fixed literals of one page; each verb quotes its own exactly.
+// The literals of one page that differ from verb to verb, each quoted
+// exactly: some titles lack the mark or a blank, some headings a blank.
 struct verb_page {
-    std::string_view header;  // CGI header through the opening body tag
+    std::string_view title;  // the whole title element
     std::string_view heading;
     std::string_view back_link;
     std::string_view fixed_command = {};  // for the verbs whose command never varies

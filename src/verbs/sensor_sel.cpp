@@ -21,30 +21,26 @@ constexpr shaped_verb reading_verb(verb_page page, std::string_view tmpl1, std::
 }  // namespace
 
 const shaped_verb sensor_verb =
-    reading_verb({.header = "Content-type: text/html\n\n<HTML><HEAD>  <TITLE> Corvane&#8482; Shelf Manager, "
-                            "Sensor Information </TITLE></HEAD><BODY>",
+    reading_verb({.title = "<TITLE> Corvane&#8482; Shelf Manager, Sensor Information </TITLE>",
                   .heading = "<H2> Sensor Information </H2>",
                   .back_link = "<A HREF=\"/verbs/sensor.html\"> Back to the previous page </A>"},
                  "sensor %s %s %s %s", "sensor %s %s %s");
 
 const shaped_verb sensordata_verb =
-    reading_verb({.header = "Content-type: text/html\n\n<HTML><HEAD>  <TITLE> Corvane&#8482; Shelf Manager, "
-                            "Sensor Data Information </TITLE></HEAD><BODY>",
+    reading_verb({.title = "<TITLE> Corvane&#8482; Shelf Manager, Sensor Data Information </TITLE>",
                   .heading = "<H2> Sensor Data Information </H2>",
                   .back_link = "<A HREF=\"/verbs/sensordata.html\"> Back to the previous page </A>"},
                  "sensordata %s %s %s %s", "sensordata %s %s %s");
 
 const shaped_verb getthreshold_verb =
-    reading_verb({.header = "Content-type: text/html\n\n<HTML><HEAD>  <TITLE> Corvane&#8482; Shelf Manager, "
-                            "Get Sensor Threshold Information </TITLE></HEAD><BODY>",
+    reading_verb({.title = "<TITLE> Corvane&#8482; Shelf Manager, Get Sensor Threshold Information </TITLE>",
                   .heading = "<H2> Sensor Threshold Information </H2>",
                   .back_link = "<A HREF=\"/verbs/getthreshold.html\"> Back to the previous page </A>"},
                  "getthreshold %s %s %s %s", "getthreshold %s %s %s");
 
 // The title lacks the blank after "<TITLE>".
 const shaped_verb gethysteresis_verb =
-    reading_verb({.header = "Content-type: text/html\n\n<HTML><HEAD>  <TITLE>Corvane&#8482; Shelf Manager, "
-                            "Get Sensor Hysteresis Information </TITLE></HEAD><BODY>",
+    reading_verb({.title = "<TITLE>Corvane&#8482; Shelf Manager, Get Sensor Hysteresis Information </TITLE>",
                   .heading = "<H2> Sensor Hysteresis Information </H2>",
                   .back_link = "<A HREF=\"/verbs/gethysteresis.html\"> Back to the previous page </A>"},
                  "gethysteresis %s %s %s %s", "gethysteresis %s %s %s");
@@ -52,8 +48,7 @@ const shaped_verb gethysteresis_verb =
 // The set headings lack the blank before "</H2>"; no verbose note, and
 // `raw` is never required.
 const shaped_verb setthreshold_verb = {
-    .page = {.header = "Content-type: text/html\n\n<HTML><HEAD>  <TITLE> Corvane&#8482; Shelf Manager, "
-                       "Set Sensor Threshold </TITLE></HEAD><BODY>",
+    .page = {.title = "<TITLE> Corvane&#8482; Shelf Manager, Set Sensor Threshold </TITLE>",
              .heading = "<H2> Set Sensor Threshold</H2>",
              .back_link = "<A HREF=\"/verbs/setthreshold.html\"> Back to the previous page </A>"},
     .sets = {set1({"setthreshold %s %s %s %s %s %s %s",
@@ -66,8 +61,7 @@ const shaped_verb setthreshold_verb = {
 };
 
 const shaped_verb sethysteresis_verb = {
-    .page = {.header = "Content-type: text/html\n\n<HTML><HEAD>  <TITLE> Corvane&#8482; Shelf Manager, "
-                       "Set Sensor Hysteresis </TITLE></HEAD><BODY>",
+    .page = {.title = "<TITLE> Corvane&#8482; Shelf Manager, Set Sensor Hysteresis </TITLE>",
              .heading = "<H2> Set Sensor Hysteresis</H2>",
              .back_link = "<A HREF=\"/verbs/sethysteresis.html\"> Back to the previous page </A>"},
     .sets = {set1({"sethysteresis %s %s %s %s %s %s",
@@ -82,8 +76,7 @@ const shaped_verb sethysteresis_verb = {
 // Titles and headings lack the blank before "</TITLE>" and "</H2>"; neither
 // verb reads `verbose`.
 const shaped_verb getsensoreventenable_verb = {
-    .page = {.header = "Content-type: text/html\n\n<HTML><HEAD>  <TITLE> Corvane&#8482; Shelf Manager, "
-                       "Get Sensor Event Enable Mask</TITLE></HEAD><BODY>",
+    .page = {.title = "<TITLE> Corvane&#8482; Shelf Manager, Get Sensor Event Enable Mask</TITLE>",
              .heading = "<H2> Get Sensor Event Enable Mask</H2>",
              .back_link = "<A HREF=\"/verbs/getsensoreventenable.html\"> Back to the previous page </A>"},
     .sets = {set1({"getsensoreventenable %s %s %s", {take(pti_sym1_1), take(id2_1), take(id3_0).when({id2_1})}}),
@@ -92,8 +85,7 @@ const shaped_verb getsensoreventenable_verb = {
 
 // Set 1 takes id2_0 second; id2_1 follows id3_0 in both sets.
 const shaped_verb setsensoreventenable_verb = {
-    .page = {.header = "Content-type: text/html\n\n<HTML><HEAD>  <TITLE> Corvane&#8482; Shelf Manager, "
-                       "Set Sensor Event Enable Mask</TITLE></HEAD><BODY>",
+    .page = {.title = "<TITLE> Corvane&#8482; Shelf Manager, Set Sensor Event Enable Mask</TITLE>",
              .heading = "<H2> Set Sensor Event Enable Mask</H2>",
              .back_link = "<A HREF=\"/verbs/setsensoreventenable.html\"> Back to the previous page </A>"},
     .sets = {set1({"setsensoreventenable %s %s %s %s %s %s",
@@ -106,8 +98,7 @@ const shaped_verb setsensoreventenable_verb = {
 };
 
 const shaped_verb sel_information_verb = {
-    .page = {.header = "Content-type: text/html\n\n<HTML><HEAD>  <TITLE> Corvane&#8482; Shelf Manager, "
-                       "SEL Information </TITLE></HEAD><BODY>",
+    .page = {.title = "<TITLE> Corvane&#8482; Shelf Manager, SEL Information </TITLE>",
              .heading = "<H2> SEL Information </H2>",
              .back_link = sel_back_link},
     .sets = {set1({"sel %s %s %s %s", {take(verbose), take(pti_sym1_1), take(id2_1), take(value).when({id2_1})}}),
@@ -116,8 +107,7 @@ const shaped_verb sel_information_verb = {
 
 // The tool's answer stands between the rules, with no PRE block.
 const shaped_verb sel_clear_verb = {
-    .page = {.header = "Content-type: text/html\n\n<HTML><HEAD>  <TITLE> Corvane&#8482; Shelf Manager, "
-                       "SEL Clear </TITLE></HEAD><BODY>",
+    .page = {.title = "<TITLE> Corvane&#8482; Shelf Manager, SEL Clear </TITLE>",
              .heading = "<H2> SEL Clear </H2>",
              .back_link = sel_back_link,
              .output_opener = "</P><HR>",
@@ -126,8 +116,7 @@ const shaped_verb sel_clear_verb = {
 };
 
 const shaped_verb sel_info_verb = {
-    .page = {.header = "Content-type: text/html\n\n<HTML><HEAD>  <TITLE> Corvane&#8482; Shelf Manager, "
-                       "SEL Info </TITLE></HEAD><BODY>",
+    .page = {.title = "<TITLE> Corvane&#8482; Shelf Manager, SEL Info </TITLE>",
              .heading = "<H2> SEL Info </H2>",
              .back_link = sel_back_link},
     .sets = {set1({"sel info %s %s %s", {take(verbose), take(pti_sym1_1), take(id2_1)}}),

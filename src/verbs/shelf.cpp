@@ -11,8 +11,7 @@ using namespace param;
 
 // The heading literal is the one shown when `command` is absent.
 const verb_page shelf_page = {
-    .header = "Content-type: text/html\n\n<HTML><HEAD>  <TITLE> Corvane&#8482; Shelf Manager, "
-              "Shelf Information </TITLE></HEAD><BODY>",
+    .title = "<TITLE> Corvane&#8482; Shelf Manager, Shelf Information </TITLE>",
     .heading = "<H2> Shelf Information: Undefined </H2>",
     .back_link = "<A HREF=\"/verbs/shelf.html\"> Back to the previous page </A>",
 };
