@@ -92,7 +92,7 @@ fuzz: bootstrap fuzz-build
 		mkdir -p $(FUZZ_BUILD)/corpus/$$h; \
 		echo "fuzz: $$h for $(FUZZ_SECONDS) s (log: $(FUZZ_BUILD)/$$h.log)"; \
 		if ! $(FUZZ_BUILD)/fuzz/$$h -max_total_time=$(FUZZ_SECONDS) -print_final_stats=1 \
-			-dict=fuzz/form_fields.dict -artifact_prefix=$(FUZZ_BUILD)/artifacts/$$h- \
+			-dict=$(FUZZ_BUILD)/fuzz/form_fields.dict -artifact_prefix=$(FUZZ_BUILD)/artifacts/$$h- \
 			$(FUZZ_BUILD)/corpus/$$h fuzz/corpus/$$h >$(FUZZ_BUILD)/$$h.log 2>&1; then \
 			tail -n 60 $(FUZZ_BUILD)/$$h.log; echo "fuzz: $$h found a fault"; exit 1; \
 		fi; \

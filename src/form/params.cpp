@@ -68,6 +68,13 @@ void bind_params(param_registry& registry, char* const* items) {
     }
 }
 
+std::string_view param_name(std::uint32_t id) {
+    for (const param_entry& entry : param_table) {
+        if (entry.id == id) return entry.name;
+    }
+    return {};
+}
+
 const char* param_value(const param_registry& registry, std::uint32_t id) {
     return id < param_count ? registry.values[id] : nullptr;
 }

@@ -49,5 +49,8 @@ struct param_registry {
 // empty values change nothing, and the last non-empty value of a name wins.
 void bind_params(param_registry& registry, char* const* items);
 
+// The form name of a parameter id; empty when not in the table.
+std::string_view param_name(std::uint32_t id);
+
 // The bound text of a parameter, or null when absent or not in the table.
 const char* param_value(const param_registry& registry, std::uint32_t id);

@@ -5,9 +5,10 @@
 #include "cli/runner.hpp"
 #include "form/form_vars.hpp"
 
-void plan_verb(const verb_entry& verb, char* const* items, verb_plan& plan) {
+void plan_verb(const verb_entry& verb, char* const* items, verb_plan& plan, field_watch watch) {
     form_input form;
     form.items = items;
+    form.watch = watch;
     if (verb.reads == form_reading::registry) bind_params(form.params, items);
     plan.page = verb.page;
     verb.plan(form, plan);

@@ -38,13 +38,24 @@ struct field {
     bool reads_as(std::uint32_t n) const { return present() && number() == n; }
 };
 
+// Told the name of every field a plan asks for: the build lists each
+// verb's fields this way. Requests run without one.
+using field_watch = void (*)(std::string_view name);
+
 // The request's form as the verbs read it.
 struct form_input {
     char* const* items = nullptr;  // POST pairs; null for any other request
     param_registry params;         // bound only for verbs that read the registry
+    field_watch watch = nullptr;
 
-    field param(param::id id) const { return {param_value(params, id)}; }
-    field post_var(std::string_view name) const { return {post_var_value(items, name)}; }
+    field param(param::id id) const {
+        if (watch != nullptr) watch(param_name(id));
+        return {param_value(params, id)};
+    }
+    field post_var(std::string_view name) const {
+        if (watch != nullptr) watch(name);
+        return {post_var_value(items, name)};
+    }
 };
 
 // The notes written after the heading, held as pieces (literals, form

@@ -7,11 +7,11 @@ import assert from 'node:assert/strict';
 import { readFileSync, mkdirSync } from 'node:fs';
 import { createRequire } from 'node:module';
 import { join } from 'node:path';
-import { startServer, repo } from './serve.mjs';
+import { startServer, buildDir, verbList } from './serve.mjs';
 import { launchChromium } from './chromium.mjs';
 
-const verbs = readFileSync(join(repo, 'deploy/verbs.txt'), 'utf8').split('\n').filter(Boolean);
-const shots = join(process.env.VERBGW_BUILD ?? join(repo, 'build'), 'screenshots');
+const verbs = verbList('verbs.txt');
+const shots = join(buildDir, 'screenshots');
 const axeSource = readFileSync(createRequire(import.meta.url).resolve('axe-core/axe.min.js'), 'utf8');
 let server, browser, context, page;
 

@@ -87,7 +87,12 @@ function attachDevice(build) {
   }, accounts);
 }
 
-export async function startServer({ build = process.env.VERBGW_BUILD ?? join(repo, 'build'), timeout = 45,
+// The build the suites test, and the lists of verbs it wrote from the
+// gateway's verb table.
+export const buildDir = process.env.VERBGW_BUILD ?? join(repo, 'build');
+export const verbList = (name) => readFileSync(join(buildDir, 'lists', name), 'utf8').split('\n').filter(Boolean);
+
+export async function startServer({ build = buildDir, timeout = 45,
   server: name = 'lighttpd' } = {}) {
   if (onDevice) return attachDevice(build);
   const { dir, install, toolDir } = scratch(build);

@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -64,6 +65,9 @@ std::string tool_input_for(std::string_view command);
 std::string expected_page(std::string_view key, std::string_view notes, std::string_view block);
 // The verb that shows the page of `key`.
 std::string verb_of(std::string_view key);
+
+// The verbs the page table knows.
+std::set<std::string> expected_verbs();
 
 // Refusals that stand in for the tool's answer.
 inline const std::string too_long = "The command is too long to send<BR>";

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
+#include <set>
 
 #include "gateway_run.hpp"
 
@@ -161,17 +162,19 @@ TEST(VerbsE2E, EveryVerbBuildsItsCommandOrRefuses) {
     }
 }
 
-// The web root links the verbs in this list: each one is served, under its
-// own title, heading and back link.
-TEST(VerbsE2E, EveryDeployedVerbIsServed) {
+// The install links the verbs the build listed from the verb table: they
+// are the verbs these tests know, and each one is served under its own
+// title, heading and back link.
+TEST(VerbsE2E, EveryInstalledVerbIsServed) {
     std::ifstream list(VERBGW_VERB_LIST);
-    std::size_t count = 0;
-    for (std::string name; std::getline(list, name); ++count) {
+    std::set<std::string> listed;
+    for (std::string name; std::getline(list, name);) {
+        listed.insert(name);
         std::string page = expected_page(name == "sel" ? "sel/info" : name, name == "shelf" ? "Undefined" : "", "");
         gateway_result r = run_gateway(get(name));
         EXPECT_EQ(r.status, 0) << name;
         EXPECT_TRUE(r.out.starts_with(page.substr(0, page.find("</H2>") + 5))) << r.out;
         EXPECT_TRUE(r.out.ends_with(page.substr(page.rfind("<HR><A HREF")))) << r.out;
     }
-    EXPECT_EQ(count, 33u);
+    EXPECT_EQ(listed, expected_verbs());
 }

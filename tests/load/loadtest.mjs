@@ -9,13 +9,12 @@ import https from 'node:https';
 import { unlinkSync } from 'node:fs';
 import { readdirSync, readlinkSync, readFileSync, realpathSync } from 'node:fs';
 import { join } from 'node:path';
-import { startServer, onDevice, repo } from '../browser/serve.mjs';
+import { startServer, onDevice, buildDir as build, verbList } from '../browser/serve.mjs';
 import { verbRequests as mix } from '../browser/requests.mjs';
 
 const total = Number(process.env.REQUESTS ?? 20000);
 const connections = Number(process.env.CONNECTIONS ?? 32);
 const deadline = Date.now() + Number(process.env.LOAD_SECONDS ?? 600) * 1000;
-const build = process.env.VERBGW_BUILD ?? join(repo, 'build');
 
 function outputBlock(page) {
   const pre = page.match(/<\/P><HR><PRE>([\s\S]*)<\/PRE><HR>/);
@@ -95,7 +94,7 @@ for (let i = 0; i < 40 && left.length > 0; i++) {
 }
 const log = readFileSync(server.gatewayLog, 'latin1');
 const prefix = onDevice ? '/usr/lib/verbgw/www/cgi-bin/' : join(server.root, 'cgi-bin/');
-const verbs = readFileSync(join(repo, 'deploy/verbs.txt'), 'utf8').split('\n').filter(Boolean);
+const verbs = verbList('verbs.txt');
 const logValid = log.startsWith(prefix) && verbs.some((v) => log.slice(prefix.length).startsWith(v));
 await server.stop();
 

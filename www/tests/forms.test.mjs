@@ -86,14 +86,37 @@ const firstOption = (html, name) => {
 };
 const optionValues = (html, name) => tags(html.match(new RegExp(`<select\\b[^>]*name="${name}"[^>]*>([\\s\\S]*?)</select>`, 'i'))[1], 'option').map((o) => o.value);
 
-const PAGES = Object.keys(VERBS);
+// The verbs and the fields each one reads, as the build listed them from
+// the gateway's own verb table.
+const BUILD = process.env.VERBGW_BUILD ?? join(DIR, '..', '..', 'build');
+const GATEWAY_READS = Object.fromEntries(readFileSync(join(BUILD, 'lists', 'verb_fields.txt'), 'utf8').split('\n')
+  .filter(Boolean).map((line) => { const [verb, ...fields] = line.split(' '); return [verb, new Set(fields)]; }));
+const PAGES = Object.keys(GATEWAY_READS);
 
 test('the pages are the ones the generator writes', () => {
   execFileSync('python3', [join(DIR, '..', '..', 'tools', 'forms', 'make_forms.py'), '--check']);
 });
 
+test('each verb\'s ways of naming a unit use only fields the gateway reads for it', () => {
+  assert.deepEqual(Object.keys(VERBS).sort(), [...PAGES].sort());
+  for (const verb of PAGES.filter((v) => v !== 'shelf')) {
+    const modes = Object.keys(VERBS[verb].modes);
+    for (const mode of modes) {
+      const { read } = reads(verb, new Map([['req_type', mode]]));
+      if (modes.length === 1) read.delete('req_type');  // one way: no selector
+      for (const n of read) assert.ok(GATEWAY_READS[verb].has(n), `${verb} ${n}`);
+    }
+  }
+  for (const command of Object.keys(SHELF)) {
+    for (const mode of Object.keys(SHELF[command].modes)) {
+      const { sel } = SHELF[command];
+      const posted = new Map([['command', command.padStart(2, '0')], ...(sel ? [[sel, mode]] : [])]);
+      for (const n of [...reads('shelf', posted).read].filter(Boolean)) assert.ok(GATEWAY_READS.shelf.has(n), `shelf ${command} ${n}`);
+    }
+  }
+});
+
 test('the index\'s lists link every page exactly once', () => {
-  assert.equal(PAGES.length, 33);
   const lists = [...read('index.html').matchAll(/<ul class="verbs">([\s\S]*?)<\/ul>/g)].map((m) => m[1]).join('');
   const links = tags(lists, 'a').map((a) => a.href);
   for (const v of PAGES) assert.equal(links.filter((h) => h === `${v}.html`).length, 1, `index link to ${v}.html`);
@@ -154,7 +177,10 @@ for (const verb of PAGES) {
           (target === 'shelf' && Number(posted.get('command').slice(0, 2)) >= 8);
         if (b.formaction || 'formnovalidate' in b) assert.ok(!changes && 'formnovalidate' in b, `${what}: a read only reads`);
         else {
-          for (const n of names) assert.ok(read.has(n) || ['confirm', 'posted'].includes(n), `${what}: ${verb} does not read ${n}`);
+          for (const n of names) {
+            assert.ok(read.has(n) || ['confirm', 'posted'].includes(n), `${what}: ${verb} does not read ${n}`);
+            assert.ok(GATEWAY_READS[target].has(n) || ['confirm', 'posted'].includes(n), `${what}: the gateway's ${target} reads no ${n}`);
+          }
           assert.equal(!!confirm && !('formnovalidate' in b), changes, `${what} ${b.value ?? ''}: confirmation`);
         }
       }
