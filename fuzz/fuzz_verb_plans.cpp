@@ -25,7 +25,7 @@ constexpr std::size_t command_capacity = 1023;
 std::FILE* page_sink = nullptr;
 int tool_runs = 0;
 
-void counting_runner(std::FILE*, const command_text&) { ++tool_runs; }
+void counting_runner(std::FILE*, const command_text&, char* const*) { ++tool_runs; }
 
 void check_buffer(std::string_view text, const char* c_str, std::size_t capacity, std::string_view verb) {
     fuzz_check(text.size() <= capacity, "buffer within its capacity", verb);
@@ -54,7 +54,7 @@ void plan_and_check(const verb_entry& verb, char* const* items) {
         fuzz_check(command.find_first_of("\r\n") == std::string_view::npos, "a sent command is one line", command);
     }
     tool_runs = 0;
-    write_page(page_sink, plan, counting_runner);
+    write_page(page_sink, plan, counting_runner, nullptr);
     fuzz_check(tool_runs == (may_send ? 1 : 0), "the page runs the tool exactly when it may", verb.name);
 }
 

@@ -7,8 +7,7 @@
 #include <cstring>
 
 #include "cli/tool_process.hpp"
-
-extern char** environ;
+#include "form/form_vars.hpp"
 
 std::string_view command_refusal(const command_text& command) {
     if (command.has_line_break()) return "A value may not contain a line break<BR>";
@@ -89,13 +88,18 @@ bool passes_to_tool(std::string_view entry) {
     return true;
 }
 
-std::size_t keep_tool_environment(char** env) {
-    std::size_t kept = 0;
-    for (char** entry = env; *entry != nullptr; ++entry) {
-        if (passes_to_tool(*entry)) env[kept++] = *entry;
+bool build_tool_environment(char* const* env, tool_environment& tool_env) {
+    tool_env.count = 0;
+    for (char* const* entry = env; entry != nullptr && *entry != nullptr; ++entry) {
+        if (!passes_to_tool(*entry)) continue;
+        if (tool_env.count == tool_environment::capacity) {
+            tool_env.entries[tool_env.count] = nullptr;
+            return false;
+        }
+        tool_env.entries[tool_env.count++] = *entry;
     }
-    env[kept] = nullptr;
-    return kept;
+    tool_env.entries[tool_env.count] = nullptr;
+    return true;
 }
 
 namespace {
@@ -135,20 +139,21 @@ void copy_answer(piece_reader& reader, std::FILE* out) {
 
 }  // namespace
 
-void run_cli_command(std::FILE* out, const command_text& command) {
+void run_cli_command(std::FILE* out, const command_text& command, char* const* env) {
     // What the page has so far goes out before anything the tool, or the
     // lookup, may print on standard error, which some servers put into the
     // response.
     std::fflush(out);
     end_tool_with_gateway();
     tool_path path;
-    if (!find_tool("shelfctl", path)) {  // what a shell would have said
+    if (!find_tool("shelfctl", environment_value(env, "PATH"), path)) {  // what a shell would have said
         std::fputs("verbgw: shelfctl: not found\n", stderr);
         return;
     }
-    keep_tool_environment(environ);
+    tool_environment tool_env;
     tool_process tool;
-    if (int err = start_tool(path.c_str(), tool); err != 0) {
+    int err = build_tool_environment(env, tool_env) ? start_tool(path.c_str(), tool_env.entries, tool) : E2BIG;
+    if (err != 0) {
         std::fprintf(out, "Error, %d\n", -err);
         return;
     }

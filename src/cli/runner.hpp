@@ -73,11 +73,20 @@ private:
 // the body's type and length, the request's path and method).
 bool passes_to_tool(std::string_view entry);
 
-// Keeps the entries that pass, in order, in the null-terminated array
-// itself; returns how many remain.
-std::size_t keep_tool_environment(char** env);
+// The environment the tool starts with: the gateway's entries that pass,
+// in order, ending with a null pointer. A server passes a few dozen.
+struct tool_environment {
+    static constexpr std::size_t capacity = 1023;
+    char* entries[capacity + 1];
+    std::size_t count = 0;
+};
 
-// Starts shelfctl found on the command search path (no shell), sends the
-// command text, "quit" and an empty line, filters the answer onto `out` and
-// waits for the tool. The text must have passed command_refusal.
-void run_cli_command(std::FILE* out, const command_text& command);
+// Fills `tool_env` from the gateway's environment `env`; false when more
+// entries pass than it holds.
+bool build_tool_environment(char* const* env, tool_environment& tool_env);
+
+// Starts shelfctl found on the command search path of `env` (no shell)
+// with the entries of `env` that pass, sends the command text, "quit" and
+// an empty line, filters the answer onto `out` and waits for the tool. The
+// text must have passed command_refusal.
+void run_cli_command(std::FILE* out, const command_text& command, char* const* env);

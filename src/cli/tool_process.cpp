@@ -13,11 +13,8 @@
 #include <cstring>
 #include <string_view>
 
-extern char** environ;
-
-bool find_tool(const char* name, tool_path& path) {
-    const char* search = std::getenv("PATH");
-    std::string_view dirs = search != nullptr ? search : "/bin:/usr/bin";
+bool find_tool(const char* name, const char* search_path, tool_path& path) {
+    std::string_view dirs = search_path != nullptr ? search_path : "/bin:/usr/bin";
     while (true) {
         std::size_t colon = dirs.find(':');
         std::string_view dir(dirs.data(), colon == std::string_view::npos ? dirs.size() : colon);
@@ -67,6 +64,14 @@ void end_tool_and_exit(int sig) {
 // words, and the empty set is all zero bits.
 sigset_t no_signals() { return sigset_t{}; }
 
+// Every bit set, which sigfillset would also give; sigprocmask itself keeps
+// the C library's internal signals out of any mask.
+sigset_t all_signals() {
+    sigset_t set;
+    std::memset(&set, 0xff, sizeof set);
+    return set;
+}
+
 void add_sigchld(sigset_t& set) {
     unsigned long word;
     std::memcpy(&word, &set, sizeof word);
@@ -107,7 +112,7 @@ void move_fd(int fd, int target) {
 
 // The child between vfork and exec: it shares the gateway's memory, so it
 // only resets what the tool must not inherit and reports a failed exec.
-[[noreturn]] void become_tool(const char* path, int input, int output, int exec_error) {
+[[noreturn]] void become_tool(const char* path, char* const* env, int input, int output, int exec_error) {
     struct sigaction defaults = {};
     defaults.sa_handler = SIG_DFL;
     sigaction(SIGPIPE, &defaults, nullptr);
@@ -120,7 +125,7 @@ void move_fd(int fd, int target) {
     move_fd(output, STDOUT_FILENO);
     char argv0[] = "shelfctl";
     char* argv[] = {argv0, nullptr};
-    execve(path, argv, environ);
+    execve(path, argv, env);
     int err = errno;
     ssize_t ignored = write(exec_error, &err, sizeof err);
     (void)ignored;
@@ -159,7 +164,7 @@ void end_tool_with_gateway() {
     sigaction(SIGCHLD, &child_default, nullptr);
 }
 
-int start_tool(const char* path, tool_process& tool) {
+int start_tool(const char* path, char* const* env, tool_process& tool) {
     // To the tool's input, from its output, and the child's word on a
     // failed exec; all close-on-exec.
     int pipes[3][2];
@@ -173,11 +178,10 @@ int start_tool(const char* path, tool_process& tool) {
     auto& [to_tool, from_tool, exec_error] = pipes;
     // No handler may run in the child while it shares our memory, and an
     // ending signal must find the tool's pid already known.
-    sigset_t all, before;
-    sigfillset(&all);
+    sigset_t all = all_signals(), before;
     sigprocmask(SIG_SETMASK, &all, &before);
     pid_t pid = vfork();
-    if (pid == 0) become_tool(path, to_tool[0], from_tool[1], exec_error[1]);
+    if (pid == 0) become_tool(path, env, to_tool[0], from_tool[1], exec_error[1]);
     int err = pid < 0 ? errno : 0;
     if (pid > 0) running_tool = pid;
     add_sigchld(before);  // kept pending for await_exit, never handled

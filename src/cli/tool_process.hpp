@@ -10,10 +10,11 @@
 
 using tool_path = fixed_text<4096>;
 
-// The executable file `name` in the first directory of PATH that holds
-// one; false when none does. Looked up here so that a missing tool is told
-// apart from a failed start the same way natively and under emulation.
-bool find_tool(const char* name, tool_path& path);
+// The executable file `name` in the first directory of `search_path` (the
+// value of PATH; null for none) that holds one; false when none does.
+// Looked up here so that a missing tool is told apart from a failed start
+// the same way natively and under emulation.
+bool find_tool(const char* name, const char* search_path, tool_path& path);
 
 struct tool_process {
     pid_t pid = 0;
@@ -32,10 +33,10 @@ std::int64_t monotonic_ms();
 void end_tool_with_gateway();
 
 // Starts the tool at `path` in a process group of its own with the
-// environment as it stands (see keep_tool_environment); returns 0, or the
-// error number of the failed pipe, process or exec. From then on SIGCHLD
+// environment `env`; returns 0, or the error number of the failed pipe,
+// process or exec. From then on SIGCHLD
 // stays blocked in the gateway, for end_tool to wait on.
-int start_tool(const char* path, tool_process& tool);
+int start_tool(const char* path, char* const* env, tool_process& tool);
 
 // Waits for the tool to exit, at most until `deadline_ms` (monotonic_ms);
 // with `kill_first`, or when the deadline passes, ends it instead. Either

@@ -10,6 +10,17 @@
 #include <cstring>
 #include <string_view>
 
+const char* environment_value(char* const* env, std::string_view name) {
+    if (env == nullptr) return nullptr;
+    for (char* const* entry = env; *entry != nullptr; ++entry) {
+        const char* text = *entry;
+        std::size_t i = 0;
+        while (i < name.size() && text[i] == name[i]) ++i;
+        if (i == name.size() && text[i] == '=') return text + i + 1;
+    }
+    return nullptr;
+}
+
 int request_method_kind(const char* request_method) {
     if (request_method == nullptr) return -1;
     std::string_view method = request_method;
@@ -77,7 +88,7 @@ char* find_or_end(char* text, char c) {
 
 }  // namespace
 
-bool decode_form_body(char* body, form_vars& vars) {
+bool decode_form_body(char* body, form_vars& vars, form_room* room) {
     std::size_t segments = 1;
     for (char* p = body; *p != '\0'; ++p) {
         if (*p == '+') *p = ' ';
@@ -85,7 +96,8 @@ bool decode_form_body(char* body, form_vars& vars) {
     }
     std::uint64_t bytes = form_list_bytes(segments, sizeof(char*), SIZE_MAX);
     if (bytes == 0) return false;
-    char** items = static_cast<char**>(std::malloc(static_cast<std::size_t>(bytes)));
+    bool in_room = room != nullptr && bytes <= sizeof room->items;
+    char** items = in_room ? room->items : static_cast<char**>(std::malloc(static_cast<std::size_t>(bytes)));
     if (items == nullptr) return false;
 
     std::size_t count = 0;
@@ -108,6 +120,8 @@ bool decode_form_body(char* body, form_vars& vars) {
     items[count] = nullptr;
     vars.body = body;
     vars.items = items;
+    vars.body_allocated = room == nullptr || body != room->body;
+    vars.items_allocated = !in_room;
     return true;
 }
 
@@ -115,11 +129,13 @@ namespace {
 
 [[noreturn]] void refuse_body() { std::exit(1); }
 
-// Reads exactly `length` bytes, growing the buffer as data arrives, so an
-// announced length far beyond the real body costs no large allocation.
-char* read_exact_body(std::size_t length) {
-    std::size_t capacity = length < 65536 ? length : 65536;
-    char* body = static_cast<char*>(std::malloc(capacity + 1));
+// Reads exactly `length` bytes into the room when they fit, else into a
+// buffer that grows as data arrives, so an announced length far beyond the
+// real body costs no large allocation.
+char* read_exact_body(std::size_t length, form_room* room) {
+    bool in_room = room != nullptr && length < sizeof room->body;
+    std::size_t capacity = in_room ? length : length < 65536 ? length : 65536;
+    char* body = in_room ? room->body : static_cast<char*>(std::malloc(capacity + 1));
     if (body == nullptr) return nullptr;
     std::size_t have = 0;
     while (have < length) {
@@ -136,7 +152,7 @@ char* read_exact_body(std::size_t length) {
         have += static_cast<std::size_t>(got);
     }
     if (have < length) {
-        std::free(body);
+        if (!in_room) std::free(body);
         return nullptr;
     }
     body[length] = '\0';
@@ -145,18 +161,18 @@ char* read_exact_body(std::size_t length) {
 
 }  // namespace
 
-form_vars read_post_vars() {
-    std::size_t length = parse_content_length(std::getenv("CONTENT_LENGTH"));
+form_vars read_post_vars(const char* content_length, form_room* room) {
+    std::size_t length = parse_content_length(content_length);
     if (length == 0) refuse_body();
-    char* body = read_exact_body(length);
+    char* body = read_exact_body(length, room);
     if (body == nullptr) refuse_body();
     form_vars vars;
-    if (!decode_form_body(body, vars)) refuse_body();
+    if (!decode_form_body(body, vars, room)) refuse_body();
     return vars;
 }
 
 void release_form_vars(form_vars& vars) {
-    std::free(vars.items);
-    std::free(vars.body);
+    if (vars.items_allocated) std::free(vars.items);
+    if (vars.body_allocated) std::free(vars.body);
     vars = form_vars{};
 }

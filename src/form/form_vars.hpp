@@ -3,6 +3,12 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string_view>
+
+// The value of `name` in an environment array ("NAME=value" entries ending
+// with a null pointer), or null. The gateway reads its CGI variables from
+// the array main is given, never through the C library.
+const char* environment_value(char* const* env, std::string_view name);
 
 // 1 for POST, 0 for GET and HEAD, -1 for any other method or none.
 int request_method_kind(const char* request_method);
@@ -12,6 +18,16 @@ int request_method_kind(const char* request_method);
 struct form_vars {
     char* body = nullptr;
     char** items = nullptr;  // null when the request had no body
+    bool body_allocated = false;
+    bool items_allocated = false;
+};
+
+// Room for a form of the size the pages post, so that such a request needs
+// no heap: the C library's allocator costs a process its set-up at first
+// use. A larger body or list is allocated.
+struct form_room {
+    char body[4096 + 1];
+    char* items[2 * 128 + 1];  // 128 pairs and the end marker
 };
 
 // The body length CONTENT_LENGTH announces, or 0 when it announces none
@@ -33,11 +49,15 @@ void decode_percent_escapes(char* text);
 std::uint64_t form_list_bytes(std::uint64_t segments, std::uint64_t entry_size, std::uint64_t size_limit);
 
 // Splits and decodes a zero-terminated body in place (the text is taken
-// over by the list). False only when memory runs out.
-bool decode_form_body(char* body, form_vars& vars);
+// over by the list: freed with it unless it lies in `room`); the list goes
+// into `room` when one is given and it fits. False only when memory runs
+// out.
+bool decode_form_body(char* body, form_vars& vars, form_room* room = nullptr);
 
-// Reads the body of a POST request from standard input; ends the process
+// Reads the body of a POST request from standard input, as long as
+// `content_length` (CONTENT_LENGTH's value) announces; ends the process
 // with status 1, writing nothing, when it cannot.
-form_vars read_post_vars();
+// A body and list that fit `room` stay there.
+form_vars read_post_vars(const char* content_length, form_room* room = nullptr);
 
 void release_form_vars(form_vars& vars);

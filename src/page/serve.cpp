@@ -14,13 +14,14 @@ void plan_verb(const verb_entry& verb, char* const* items, verb_plan& plan, fiel
     verb.plan(form, plan);
 }
 
-int serve_verb(const verb_entry& verb) {
-    int kind = request_method_kind(std::getenv("REQUEST_METHOD"));
+int serve_verb(const verb_entry& verb, char* const* env) {
+    int kind = request_method_kind(environment_value(env, "REQUEST_METHOD"));
     form_vars vars;
-    if (kind == 1) vars = read_post_vars();
+    static form_room room;
+    if (kind == 1) vars = read_post_vars(environment_value(env, "CONTENT_LENGTH"), &room);
     verb_plan plan;
     plan_verb(verb, vars.items, plan);
-    write_page(stdout, plan, run_cli_command);
+    write_page(stdout, plan, run_cli_command, env);
     release_form_vars(vars);
     return 0;
 }

@@ -23,10 +23,11 @@ struct verb_entry {
     get_right get;
 };
 
-// Decodes the request, plans the verb's command, writes its page to
-// standard output (running the tool at most once) and returns 0. Ends the
-// process with status 1, writing nothing more, when the body is unreadable.
-int serve_verb(const verb_entry& verb);
+// Decodes the request that the CGI environment `env` describes, plans the
+// verb's command, writes its page to standard output (running the tool at
+// most once) and returns 0. Ends the process with status 1, writing nothing
+// more, when the body is unreadable.
+int serve_verb(const verb_entry& verb, char* const* env);
 
 // Decoding, binding and planning without any I/O, for tests, fuzzing and
 // the build's lists; a watch is told every field the plan asks for.

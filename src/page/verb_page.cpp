@@ -28,7 +28,7 @@ void note_list::write(std::FILE* out) const {
     }
 }
 
-void write_page(std::FILE* out, const verb_plan& plan, tool_runner run_tool) {
+void write_page(std::FILE* out, const verb_plan& plan, tool_runner run_tool, char* const* env) {
     const verb_page& page = *plan.page;
     put(out, "Content-type: text/html\n\n<HTML><HEAD>  ");
     put(out, page.title);
@@ -42,7 +42,7 @@ void write_page(std::FILE* out, const verb_plan& plan, tool_runner run_tool) {
     } else if (std::string_view refusal = command_refusal(plan.command); !refusal.empty()) {
         put(out, refusal);
     } else {
-        run_tool(out, plan.command);
+        run_tool(out, plan.command, env);
     }
     put(out, page.output_closer);
     put(out, page.back_link);

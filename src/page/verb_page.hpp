@@ -105,12 +105,13 @@ using plan_builder = void (*)(const form_input& form, verb_plan& plan);
 // POST pairs (the verbs whose fields are not registry parameters).
 enum class form_reading { registry, direct };
 
-using tool_runner = void (*)(std::FILE* out, const command_text& command);
+using tool_runner = void (*)(std::FILE* out, const command_text& command, char* const* env);
 
 // Writes the page skeleton around the plan: header, heading and notes, then
 // inside the output block the verb's refusal, the runner's refusal, or the
 // tool's answer, then the back link.
-void write_page(std::FILE* out, const verb_plan& plan, tool_runner run_tool);
+// `env` is the gateway's environment, handed to the runner.
+void write_page(std::FILE* out, const verb_plan& plan, tool_runner run_tool, char* const* env);
 
 // Notes most verbs share.
 inline constexpr std::string_view verbose_note = "Verbose mode turned on <BR>";
