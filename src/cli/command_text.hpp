@@ -4,7 +4,7 @@
 #include <cstdarg>
 #include <string_view>
 
-#include "page/fixed_text.hpp"
+#include "text/fixed_text.hpp"
 
 // The longest command text whose classic pipeline line
 // "echo -e \"<text>\nquit\n\" | shelfctl" (27 fixed characters) fits the
@@ -38,6 +38,3 @@ private:
     bool line_break_ = false;
 };
 
-// Why a command text may not be sent, or empty when it may. The line-break
-// check comes first: such a text would become several tool commands.
-std::string_view command_refusal(const command_text& command);

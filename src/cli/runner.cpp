@@ -9,13 +9,6 @@
 #include "cli/tool_process.hpp"
 #include "form/form_vars.hpp"
 
-std::string_view command_refusal(const command_text& command) {
-    if (command.has_line_break()) return "A value may not contain a line break<BR>";
-    if (command.overflowed() || command.view().size() > max_sendable_command)
-        return "The command is too long to send<BR>";
-    return {};
-}
-
 filter_step output_filter::next(std::string_view piece) {
     if (!copying_) {
         if (piece.starts_with("CLI>")) copying_ = true;

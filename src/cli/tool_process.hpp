@@ -6,7 +6,7 @@
 
 #include <cstdint>
 
-#include "page/fixed_text.hpp"
+#include "text/fixed_text.hpp"
 
 using tool_path = fixed_text<4096>;
 

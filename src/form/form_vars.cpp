@@ -171,6 +171,15 @@ form_vars read_post_vars(const char* content_length, form_room* room) {
     return vars;
 }
 
+const char* post_var_value(char* const* items, std::string_view name) {
+    const char* found = nullptr;
+    if (items == nullptr) return found;
+    for (char* const* pair = items; pair[0] != nullptr; pair += 2) {
+        if (pair[1][0] != '\0' && name == pair[0]) found = pair[1];
+    }
+    return found;
+}
+
 void release_form_vars(form_vars& vars) {
     if (vars.items_allocated) std::free(vars.items);
     if (vars.body_allocated) std::free(vars.body);

@@ -60,4 +60,8 @@ bool decode_form_body(char* body, form_vars& vars, form_room* room = nullptr);
 // A body and list that fit `room` stay there.
 form_vars read_post_vars(const char* content_length, form_room* room = nullptr);
 
+// The last non-empty value of the POST field `name`, or null; names are
+// compared exactly and only names are compared.
+const char* post_var_value(char* const* items, std::string_view name);
+
 void release_form_vars(form_vars& vars);

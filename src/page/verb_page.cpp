@@ -2,13 +2,11 @@
 
 #include <cstring>
 
-const char* post_var_value(char* const* items, std::string_view name) {
-    const char* found = nullptr;
-    if (items == nullptr) return found;
-    for (char* const* pair = items; pair[0] != nullptr; pair += 2) {
-        if (pair[1][0] != '\0' && name == pair[0]) found = pair[1];
-    }
-    return found;
+std::string_view command_refusal(const command_text& command) {
+    if (command.has_line_break()) return "A value may not contain a line break<BR>";
+    if (command.overflowed() || command.view().size() > max_sendable_command)
+        return "The command is too long to send<BR>";
+    return {};
 }
 
 namespace {

@@ -8,9 +8,8 @@
 #include <string_view>
 
 #include "cli/command_text.hpp"
-#include "form/number.hpp"
-#include "form/params.hpp"
-#include "page/fixed_text.hpp"
+#include "form/form_input.hpp"
+#include "text/fixed_text.hpp"
 
 // The literals of one page that differ from verb to verb, each quoted
 // exactly: some titles lack the mark or a blank, some headings a blank.
@@ -21,41 +20,6 @@ struct verb_page {
     std::string_view fixed_command = {};  // for the verbs whose command never varies
     std::string_view output_opener = "</P><HR><PRE>";
     std::string_view output_closer = "</PRE><HR>";
-};
-
-// The last non-empty value of the POST field `name`, or null; names are
-// compared exactly and only names are compared.
-const char* post_var_value(char* const* items, std::string_view name);
-
-// One form field as a verb sees it: present with a non-empty text, or absent.
-struct field {
-    const char* text = nullptr;
-
-    bool present() const { return text != nullptr; }
-    std::string_view or_empty() const { return text != nullptr ? text : ""; }
-    // Selectors read as the target's strtoul does; an absent one reads as 0.
-    std::uint32_t number() const { return text != nullptr ? read_ulong32(text) : 0; }
-    bool reads_as(std::uint32_t n) const { return present() && number() == n; }
-};
-
-// Told the name of every field a plan asks for: the build lists each
-// verb's fields this way. Requests run without one.
-using field_watch = void (*)(std::string_view name);
-
-// The request's form as the verbs read it.
-struct form_input {
-    char* const* items = nullptr;  // POST pairs; null for any other request
-    param_registry params;         // bound only for verbs that read the registry
-    field_watch watch = nullptr;
-
-    field param(param::id id) const {
-        if (watch != nullptr) watch(param_name(id));
-        return {param_value(params, id)};
-    }
-    field post_var(std::string_view name) const {
-        if (watch != nullptr) watch(name);
-        return {post_var_value(items, name)};
-    }
 };
 
 // The notes written after the heading, held as pieces (literals, form
@@ -110,6 +74,11 @@ using tool_runner = void (*)(std::FILE* out, const command_text& command, char* 
 // Writes the page skeleton around the plan: header, heading and notes, then
 // inside the output block the verb's refusal, the runner's refusal, or the
 // tool's answer, then the back link.
+// Why a command text may not be sent, or empty when it may: a line break
+// would make it several tool commands (checked first), and a text longer
+// than the tool's line is refused, never cut.
+std::string_view command_refusal(const command_text& command);
+
 // `env` is the gateway's environment, handed to the runner.
 void write_page(std::FILE* out, const verb_plan& plan, tool_runner run_tool, char* const* env);
 
