@@ -23,13 +23,22 @@ bool any_form_complete(const form_input& form, std::span<const command_form> for
     return false;
 }
 
-const command_shape& pick_shape(const form_input& form, std::span<const command_form> forms,
-                                param::id selector_field) {
+const command_form& pick_form(const form_input& form, std::span<const command_form> forms,
+                              param::id selector_field) {
     std::uint32_t selector = form.param(selector_field).number();
     for (const command_form& candidate : forms) {
-        if (!candidate.selector || *candidate.selector == selector) return candidate.shape;
+        if (!candidate.selector || *candidate.selector == selector) return candidate;
     }
-    return forms.back().shape;
+    return forms.back();
+}
+
+bool may_run(const form_input& form, std::span<const command_form> forms, const command_form& chosen) {
+    if (all_present(form, chosen.shape.complete)) return true;
+    if (!chosen.names_one_unit) return false;
+    for (const command_form& candidate : forms) {
+        if (candidate.names_one_unit && all_present(form, candidate.shape.complete)) return true;
+    }
+    return false;
 }
 
 namespace {
@@ -41,7 +50,7 @@ bool holds(const form_input& form, const std::uint8_t (&ids)[2], bool present) {
     return true;
 }
 
-std::string_view slot_text(const form_input& form, const slot& place, std::string_view given) {
+std::string_view place_text(const form_input& form, const template_place& place, std::string_view given) {
     if (!holds(form, place.needs, true) || !holds(form, place.unless, false)) return place.fallback;
     if (place.given) return given;
     if (place.field == no_param) return place.word;
@@ -53,8 +62,8 @@ std::string_view slot_text(const form_input& form, const slot& place, std::strin
 
 void append_shape(const form_input& form, const command_shape& shape, command_text& command,
                   std::string_view given) {
-    const auto& s = shape.slots;
-    auto text = [&](const slot& place) { return slot_text(form, place, given); };
+    const auto& s = shape.places;
+    auto text = [&](const template_place& place) { return place_text(form, place, given); };
     append_filled(command, shape.tmpl,
                   {text(s[0]), text(s[1]), text(s[2]), text(s[3]), text(s[4]), text(s[5]), text(s[6])});
 }

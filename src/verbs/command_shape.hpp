@@ -40,7 +40,7 @@ inline constexpr std::uint8_t no_param = 0xFF;
 // field, or the caller's text for a `given` place) when the parameters of
 // `needs` are present, those of `unless` absent, and the field present;
 // otherwise the fallback. Kept small: the verbs' tables are many places.
-struct slot {
+struct template_place {
     std::uint8_t field = no_param;
     std::uint8_t needs[2] = {no_param, no_param};
     std::uint8_t unless[2] = {no_param, no_param};
@@ -48,18 +48,18 @@ struct slot {
     const char* word = "";
     const char* fallback = "";
 
-    constexpr slot when(std::initializer_list<param::id> ids) const {
-        slot s = *this;
+    constexpr template_place when(std::initializer_list<param::id> ids) const {
+        template_place s = *this;
         list_into(s.needs, ids);
         return s;
     }
-    constexpr slot except(std::initializer_list<param::id> ids) const {
-        slot s = *this;
+    constexpr template_place except(std::initializer_list<param::id> ids) const {
+        template_place s = *this;
         list_into(s.unless, ids);
         return s;
     }
-    constexpr slot or_else(const char* text) const {
-        slot s = *this;
+    constexpr template_place or_else(const char* text) const {
+        template_place s = *this;
         s.fallback = text;
         return s;
     }
@@ -72,19 +72,19 @@ private:
     }
 };
 
-constexpr slot take(param::id field) {
-    slot s;
+constexpr template_place take(param::id field) {
+    template_place s;
     s.field = static_cast<std::uint8_t>(field);
     return s;
 }
-constexpr slot put(const char* word) {
-    slot s;
+constexpr template_place put(const char* word) {
+    template_place s;
     s.word = word;
     return s;
 }
 // Filled with the text the caller passes to append_shape.
-constexpr slot given_text() {
-    slot s;
+constexpr template_place given_text() {
+    template_place s;
     s.given = true;
     return s;
 }
@@ -93,20 +93,36 @@ constexpr slot given_text() {
 // is what a verb that checks its unit requires; it plays no part in filling.
 struct command_shape {
     std::string_view tmpl;
-    std::array<slot, 7> slots = {};
+    std::array<template_place, 7> places = {};
     param_set complete = {};
 };
 
 // The shape taken when the selector (`req_type` unless another is named)
 // reads as `selector` (an absent one reads as 0); a form without a selector
-// takes any value and ends the list.
+// takes any value and ends the list. A form that names one unit (one fan,
+// say) may also run on another such form's fields: see may_run.
 struct command_form {
     std::optional<std::uint32_t> selector;
     command_shape shape;
+    bool names_one_unit = false;
 };
 
-const command_shape& pick_shape(const form_input& form, std::span<const command_form> forms,
-                                param::id selector = param::req_type);
+// A form that names one unit.
+constexpr command_form one_unit(std::optional<std::uint32_t> selector, command_shape shape) {
+    return {selector, shape, true};
+}
+
+const command_form& pick_form(const form_input& form, std::span<const command_form> forms,
+                              param::id selector = param::req_type);
+
+inline const command_shape& pick_shape(const form_input& form, std::span<const command_form> forms,
+                                       param::id selector = param::req_type) {
+    return pick_form(form, forms, selector).shape;
+}
+
+// True when the chosen form's `complete` set is all present, or when it
+// names one unit and some form of `forms` that names one unit is complete.
+bool may_run(const form_input& form, std::span<const command_form> forms, const command_form& chosen);
 
 // True when some form's `complete` set is all present, whichever form the
 // selector chose: the run rule of the verbs that name a unit in two ways.

@@ -29,17 +29,22 @@ constexpr command_form get_led_forms[] = {
 
 // setfruledstate: the unit and its LED ("ALL" when none is named), and what
 // the unit must hold before an operation may follow.
-constexpr slot address_unit_id = take(id3_0).when({addr1_0});
-constexpr slot address_unit_led = take(addr1_3).when({addr1_0, id3_0}).or_else("ALL");
+constexpr template_place address_unit_id = take(id3_0).when({addr1_0});
+constexpr template_place address_unit_led = take(addr1_3).when({addr1_0, id3_0}).or_else("ALL");
 constexpr command_form set_led_units[] = {
     {1,
      {"setfruledstate %s %s %s", {take(pti_sym1_1), take(id2_1), take(addr1_3).or_else("ALL")},
       params_of({id2_1})}},
-    {0,
+    {std::nullopt,
      {"setfruledstate %s %s %s", {take(addr1_0), address_unit_id, address_unit_led},
       params_of({addr1_0, id3_0})}},
-    {std::nullopt, {"setfruledstate %s %s %s", {take(addr1_0), address_unit_id, address_unit_led}}},
 };
+
+// Only the two ways of naming a unit (selector 0 or 1) are checked for a
+// complete unit; any other selector sends the address form as it stands.
+bool unit_is_ready(const form_input& form, const command_shape& unit) {
+    return form.param(req_type).number() > 1 || all_present(form, unit.complete);
+}
 
 // Where a request stands: only done, or an appended TEST, runs the tool.
 enum class led_request { incomplete, ready, done };
@@ -77,7 +82,7 @@ void plan_getfruledstate(const form_input& form, verb_plan& plan) {
 void plan_setfruledstate(const form_input& form, verb_plan& plan) {
     const command_shape& unit = pick_shape(form, set_led_units);
     append_shape(form, unit, plan.command);
-    led_request state = all_present(form, unit.complete) ? led_request::ready : led_request::incomplete;
+    led_request state = unit_is_ready(form, unit) ? led_request::ready : led_request::incomplete;
     bool testing = false;
     const led_operation* operation = operation_for(form.param(addr1_1));
     if (state == led_request::ready && operation != nullptr && all_present(form, operation->shape.complete)) {

@@ -131,7 +131,7 @@ std::string_view refuse_unless_a_set_is_complete(const shaped_verb& verb, const 
 std::string_view refuse_event_enable(const shaped_verb& verb, const form_input& form) {
     std::uint32_t selector = form.param(req_type).number();
     if (selector > 1) return the_parameters_message;
-    if (!all_present(form, verb.sets[selector == 1 ? 0 : 1].shape.complete)) return the_parameters_message;
+    if (!all_present(form, pick_shape(form, verb.sets).complete)) return the_parameters_message;
     if (form.param(id2_2).present() != form.param(id2_3).present()) return mask_pair_message;
     return {};
 }

@@ -69,6 +69,7 @@ const verb_case cases[] = {
     {"setfruledstate", led + "addr1_1=BLINKING&id2_2=100&id2_3=200&addr1_2=3", "setfruledstate 0x82 0 ALL BLINK 100 200 3"},
     {"setfruledstate", led + "addr1_1=TESTING&id2_2=5&addr1_2=1", "setfruledstate 0x82 0 ALL TEST 5"},
     {"setfruledstate", "req_type=1&id2_1=0&addr1_1=OFF", "setfruledstate  0 ALL OFF"},
+    {"setfruledstate", "req_type=2&addr1_1=ON", "setfruledstate   ALL ON "},  // only selectors 0 and 1 are checked
     {"setfruledstate", led + "addr1_1=ON&addr1_2=1%0A", line_break},
     {"setfruledstate", "addr1_0=" + x300 + "&addr1_1=OFF", set_params},
     {"board", "slot=-4294967295", "board  1", "Board # 1<BR>"},
