@@ -33,105 +33,126 @@ const std::string page_after_tool = version_page("").substr(page_before_tool.siz
 
 }  // namespace
 
-TEST(GatewayE2E, TheInvocationNamePicksTheVerb) {
-    const struct {
-        std::string name, page;  // page "": the not-found line, the version page and status 234
-    } cases[] = {
-        {"/www/cgi-bin/session.cgi", "session"}, {"/a.b/switchover", "switchover"}, {"version.x.y", "version"},
-        {"sensor" + std::string(5000, '.'), "sensor"}, {"SENSOR", ""}, {"sensors", ""}, {"/cgi-bin/", ""},
-        {".sensor", ""}, {"", ""}, {std::string(5000, 'v'), ""}, {std::string(5000, '/'), ""},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name.substr(0, 20));
-        gateway_result r = run_gateway(get(c.name));
-        std::string sent = c.page == "sensor" ? "sensor   " : c.page.empty() ? "version" : c.page;
-        EXPECT_EQ(r.out, (c.page.empty() ? not_found : "") + expected_page(c.page.empty() ? "version" : c.page, "",
-                                                                            stub_answer(sent)));
-        EXPECT_EQ(r.status, c.page.empty() ? 234 : 0);
-        EXPECT_EQ(r.tool_input, tool_input_for(sent));
-    }
+namespace {
+
+// The invocation name picks the verb, or none: then the not-found line,
+// the version page and status 234.
+struct name_case {
+    std::string name, invocation;
+    std::optional<std::string> verb;  // the verb served; none: not found
+};
+
+class InvocationName : public testing::TestWithParam<name_case> {};
+
+TEST_P(InvocationName, PicksTheVerb) {
+    const name_case& c = GetParam();
+    gateway_result r = run_gateway(get(c.invocation));
+    std::string page = c.verb.value_or("version");
+    std::string sent = page == "sensor" ? "sensor   " : page;
+    EXPECT_EQ(r.out, (c.verb ? "" : not_found) + expected_page(page, "", stub_answer(sent)));
+    EXPECT_EQ(r.status, c.verb ? 0 : 234);
+    EXPECT_EQ(r.tool_input, tool_input_for(sent));
+}
+
+INSTANTIATE_TEST_SUITE_P(GatewayE2E, InvocationName,
+                         testing::Values(name_case{"path_and_suffix", "/www/cgi-bin/session.cgi", "session"},
+                                         name_case{"dot_in_a_directory", "/a.b/switchover", "switchover"},
+                                         name_case{"cut_at_the_first_dot", "version.x.y", "version"},
+                                         name_case{"many_dots", "sensor" + std::string(5000, '.'), "sensor"},
+                                         name_case{"upper_case", "SENSOR", std::nullopt},
+                                         name_case{"longer_name", "sensors", std::nullopt},
+                                         name_case{"directory_only", "/cgi-bin/", std::nullopt},
+                                         name_case{"leading_dot", ".sensor", std::nullopt},
+                                         name_case{"empty", "", std::nullopt},
+                                         name_case{"long_name", std::string(5000, 'v'), std::nullopt},
+                                         name_case{"only_slashes", std::string(5000, '/'), std::nullopt}),
+                         [](const testing::TestParamInfo<name_case>& info) { return info.param.name; });
+
+}  // namespace
+
+TEST(GatewayE2E, NoInvocationNameIsNotFound) {
     gateway_request no_name = get("");
     no_name.no_argv0 = true;
     EXPECT_EQ(run_gateway(no_name).out, not_found + version_page(stub_answer("version")));
 }
 
-// Each hostile request gives a complete page with the tool run on exactly
-// the intended line, a refusal without the tool, or (an unreadable body)
-// no output and status 1. Never a crash, a hang or a write past a buffer:
-// the sanitized and valgrind runs go through this table.
-TEST(GatewayE2E, EveryHostileRequestEndsInAPageOrInSilence) {
+namespace {
+
+// What only a process shows of a request: how the body is read (its
+// announced length, the method, standard input) and bodies too large for
+// the static room. Each gives a complete page with the tool run on exactly
+// the intended line, a refusal without the tool, or no output and status
+// 1. Never a crash, a hang or a write past a buffer: the sanitized and
+// valgrind runs go through this table. What a body decodes to is the
+// shared table's, run in-process.
+struct body_case {
+    std::string name, body;
+    std::optional<std::string> command = std::nullopt;  // what the tool is sent
+    std::string refusal = "";                           // written instead, the tool not run
+    int status = 0;                                     // 1: nothing is written at all
+    std::string notes = "";
+    std::optional<std::string> length = std::nullopt;   // CONTENT_LENGTH; default: the body's size
+    std::optional<std::string> method = "POST";
+    std::optional<std::string> stdin_from = std::nullopt;  // default: the body
+
+    body_case with_length(std::optional<std::string> text) const { body_case c = *this; c.length = text; return c; }
+    body_case with_method(std::optional<std::string> text) const { body_case c = *this; c.method = text; return c; }
+    body_case with_notes(std::string text) const { body_case c = *this; c.notes = text; return c; }
+};
+
+body_case runs(std::string name, std::string body, std::string command) { return {name, body, command}; }
+body_case refused(std::string name, std::string body, std::string message) { return {name, body, {}, message}; }
+body_case unread(std::string name, std::string body) { return {name, body, {}, "", 1}; }
+
+std::vector<body_case> body_cases() {
     const std::string big(1 << 20, 'x');
-    std::string binary;
-    for (int b = 1; b < 256; ++b) binary += static_cast<char>(b);
-    const struct {
-        std::string what, body;
-        std::string sent;  // the tool's command; a refusal ("...<BR>"); "" for no output and status 1
-        std::optional<std::string> length = std::nullopt;  // CONTENT_LENGTH; default: the body's size
-        std::string notes = "";
-        std::optional<std::string> method = "POST";
-        std::optional<std::string> stdin_from = std::nullopt;  // default: the body
-    } cases[] = {
-        {"shell text stays text", "verbose=%24(id)%3B%7C%26&addr1_0=%60id%60%22'&id3_0=%3E%2Ftmp%2Fx*~root",
-         "sensor $(id);|& `id`\"' >/tmp/x*~root", {}, verbose_on},
-        {"line feed", "addr1_0=%0A", line_break},
-        {"carriage return", "addr1_0=a%0Db", line_break},
-        {"line feed and quit", "addr1_0=0x82&id3_0=1%0Aquit%0Aboardreset+1", line_break},
-        {"line break before length", "addr1_0=" + std::string(500, 'a') + "%0A", line_break},
-        {"line break in an unread field", "pti_sym1_1=%0A&addr1_0=0x82", "sensor  0x82 "},
-        {"escaped zero cuts the value", "addr1_0=a%00b&id3_0=2", "sensor  a 2"},
-        {"raw zero ends the body", std::string("addr1_0=1\0&id3_0=2", 18), "sensor  1 "},
-        {"truncated escape", "addr1_0=5%", "sensor  5% "},
-        {"truncated escape before a field", "addr1_0=5%&id3_0=4", "sensor  5% 4"},
-        {"half escape", "addr1_0=%4", "sensor  %4 "},
-        {"a body of one byte", "a", "sensor   "},
-        {"invalid escape", "addr1_0=%zz%gg", "sensor  S\x10 "},
-        {"control character as a digit", "addr1_0=%\x01" "1b", "sensor  \x11" "b "},
-        {"fields without \"=\"", "addr1_0=0x82&id3_0&verbose=x&id3_0", "sensor x 0x82 ", {}, verbose_on},
-        {"plus and escaped plus", "addr1_0=a+b%2Bc", "sensor  a b+c "},
-        {"228 characters are sent", "addr1_0=" + std::string(219, 'a'), "sensor  " + std::string(219, 'a') + " "},
-        {"229 characters are not", "addr1_0=" + std::string(220, 'a'), too_long},
-        {"verbose of 10000", "verbose=" + std::string(10000, 'v'), too_long, {}, verbose_on},
-        {"name of 10000", std::string(10000, 'n') + "=1&addr1_0=0x82", "sensor  0x82 "},
-        {"body of 4096 bytes", "junk=" + std::string(4070, 'x') + "&addr1_0=0x82&id3_0=4", "sensor  0x82 4"},
-        {"body of 4097 bytes", "junk=" + std::string(4071, 'x') + "&addr1_0=0x82&id3_0=4", "sensor  0x82 4"},
-        {"128 pairs", repeat("a=1&", 126) + "addr1_0=0x82&id3_0=4", "sensor  0x82 4"},
-        {"129 pairs", repeat("a=1&", 127) + "addr1_0=0x82&id3_0=4", "sensor  0x82 4"},
-        {"body of 1 MB", "junk=" + big + "&addr1_0=0x82&id3_0=4", "sensor  0x82 4"},
-        {"value of 1 MB", "addr1_0=" + big, too_long},
-        {"100000 fields", repeat("a=1&", 100000) + "addr1_0=0x82", "sensor  0x82 "},
-        {"100000 repeated names", repeat("addr1_0=1&", 100000) + "addr1_0=2", "sensor  2 "},
-        {"binary bytes", binary, "sensor   "},
-        {"only separators", "&&&===&&", "sensor   "},
-        {"selector with a sign", "req_type=+1&pti_sym1_1=p&id2_1=2&id3_0=3", "sensor  p 2 3"},
-        {"selector past 32 bits", "req_type=4294967297&pti_sym1_1=p&addr1_0=20", "sensor  20 "},
-        {"selector not a number", "req_type=abc&pti_sym1_1=p&addr1_0=20", "sensor  20 "},
-        {"selector after \\v\\f\\r", "req_type=%0B%0C%0D1&pti_sym1_1=p&id2_1=2", "sensor  p 2 "},
-        {"length 2^31", "addr1_0=1", "", "2147483648"},
-        {"length 2^32", "addr1_0=1", "", "4294967296"},
-        {"empty length", "addr1_0=1", "", ""},
-        {"length longer than the body", "addr1_0=1", "", "100"},
-        {"length with trailing text", "addr1_0=0x82&tail", "sensor  0x82 ", "12abc"},
-        {"length after blanks", "addr1_0=0x82&tail", "sensor  0x82 ", " +12"},
-        {"length shorter than the body", "addr1_0=0x82", "sensor   ", "7"},
-        {"lower-case post", "addr1_0=0x82", "sensor   ", {}, "", "post"},
-        {"no method", "addr1_0=0x82", "sensor   ", {}, "", std::nullopt},
-        {"a body that cannot be read", "addr1_0=1", "", {}, "", "POST", "/"},
+    body_case no_stdin = unread("a_body_that_cannot_be_read", "addr1_0=1");
+    no_stdin.stdin_from = "/";
+    return {
+        refused("verbose_of_10000", "verbose=" + std::string(10000, 'v'), too_long).with_notes(verbose_on),
+        runs("name_of_10000", std::string(10000, 'n') + "=1&addr1_0=0x82", "sensor  0x82 "),
+        runs("body_of_4096_bytes", "junk=" + std::string(4070, 'x') + "&addr1_0=0x82&id3_0=4", "sensor  0x82 4"),
+        runs("body_of_4097_bytes", "junk=" + std::string(4071, 'x') + "&addr1_0=0x82&id3_0=4", "sensor  0x82 4"),
+        runs("pairs_128", repeat("a=1&", 126) + "addr1_0=0x82&id3_0=4", "sensor  0x82 4"),
+        runs("pairs_129", repeat("a=1&", 127) + "addr1_0=0x82&id3_0=4", "sensor  0x82 4"),
+        runs("body_of_1_MB", "junk=" + big + "&addr1_0=0x82&id3_0=4", "sensor  0x82 4"),
+        refused("value_of_1_MB", "addr1_0=" + big, too_long),
+        runs("fields_100000", repeat("a=1&", 100000) + "addr1_0=0x82", "sensor  0x82 "),
+        runs("repeated_names_100000", repeat("addr1_0=1&", 100000) + "addr1_0=2", "sensor  2 "),
+        unread("length_2_31", "addr1_0=1").with_length("2147483648"),
+        unread("length_2_32", "addr1_0=1").with_length("4294967296"),
+        unread("empty_length", "addr1_0=1").with_length(""),
+        unread("length_longer_than_the_body", "addr1_0=1").with_length("100"),
+        runs("length_with_trailing_text", "addr1_0=0x82&tail", "sensor  0x82 ").with_length("12abc"),
+        runs("length_after_blanks", "addr1_0=0x82&tail", "sensor  0x82 ").with_length(" +12"),
+        runs("length_shorter_than_the_body", "addr1_0=0x82", "sensor   ").with_length("7"),
+        runs("lower_case_post", "addr1_0=0x82", "sensor   ").with_method("post"),
+        runs("no_method", "addr1_0=0x82", "sensor   ").with_method(std::nullopt),
+        no_stdin,
     };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.what);
-        gateway_request request = post("sensor", c.body);
-        request.method = c.method;
-        request.content_length = c.length;
-        request.stdin_from = c.stdin_from;
-        gateway_result r = run_gateway(request);
-        bool refused = c.sent.ends_with("<BR>");
-        std::string block = refused ? c.sent : stub_answer(c.sent);
-        EXPECT_EQ(r.status, c.sent.empty() ? 1 : 0);
-        EXPECT_EQ(r.out, c.sent.empty() ? "" : expected_page("sensor", c.notes, block));
-        EXPECT_EQ(r.err, "");
-        EXPECT_EQ(r.tool_input, c.sent.empty() || refused ? std::nullopt : std::optional(tool_input_for(c.sent)));
-    }
-    // An unreadable body still gives an unknown name its not-found line.
+}
+
+class BodyReading : public testing::TestWithParam<body_case> {};
+
+TEST_P(BodyReading, EndsInAPageOrInSilence) {
+    const body_case& c = GetParam();
+    gateway_request request = post("sensor", c.body);
+    request.method = c.method;
+    request.content_length = c.length;
+    request.stdin_from = c.stdin_from;
+    gateway_result r = run_gateway(request);
+    EXPECT_EQ(r.status, c.status);
+    EXPECT_EQ(r.out, c.status != 0 ? "" : expected_page("sensor", c.notes, c.command ? stub_answer(*c.command) : c.refusal));
+    EXPECT_EQ(r.err, "");
+    EXPECT_EQ(r.tool_input, c.command ? std::optional(tool_input_for(*c.command)) : std::nullopt);
+}
+
+INSTANTIATE_TEST_SUITE_P(GatewayE2E, BodyReading, testing::ValuesIn(body_cases()),
+                         [](const testing::TestParamInfo<body_case>& info) { return info.param.name; });
+
+}  // namespace
+
+TEST(GatewayE2E, AnUnreadableBodyStillGivesAnUnknownNameItsNotFoundLine) {
     gateway_request unknown = post("nosuchverb", "a=1");
     unknown.content_length = "";
     gateway_result r = run_gateway(unknown);

@@ -159,6 +159,4 @@ gateway_request get(std::string verb) {
     return request;
 }
 
-std::string stub_answer(std::string_view command) { return "ran " + std::string(command) + "\n"; }
 
-std::string tool_input_for(std::string_view command) { return std::string(command) + "\nquit\n\n"; }

@@ -4,10 +4,11 @@
 
 #include <functional>
 #include <optional>
-#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "verb_cases.hpp"
 
 struct gateway_request {
     std::string argv0;  // the invocation name (the verb)
@@ -54,22 +55,3 @@ gateway_result run_gateway(const gateway_request& request);
 gateway_request post(std::string verb, std::string body);
 // A GET request to `verb`.
 gateway_request get(std::string verb);
-
-// The stub's default answer to `command`, as the page shows it.
-std::string stub_answer(std::string_view command);
-// What the tool receives for `command`.
-std::string tool_input_for(std::string_view command);
-
-// The page of `key` (a verb, or "verb/page" for a verb with several) with
-// `notes` after the heading and `block` as the tool's answer.
-std::string expected_page(std::string_view key, std::string_view notes, std::string_view block);
-// The verb that shows the page of `key`.
-std::string verb_of(std::string_view key);
-
-// The verbs the page table knows.
-std::set<std::string> expected_verbs();
-
-// Refusals that stand in for the tool's answer.
-inline const std::string too_long = "The command is too long to send<BR>";
-inline const std::string line_break = "A value may not contain a line break<BR>";
-inline const std::string verbose_on = "Verbose mode turned on <BR>";

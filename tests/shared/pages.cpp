@@ -5,7 +5,7 @@
 #include <set>
 #include <stdexcept>
 
-#include "gateway_run.hpp"
+#include "verb_cases.hpp"
 
 namespace {
 
