@@ -37,18 +37,10 @@ INSTANTIATE_TEST_SUITE_P(VerbsE2E, EveryPage, testing::ValuesIn(first_case_of_ea
 }  // namespace
 
 // The install links the verbs the build listed from the verb table: they
-// are the verbs these tests know, and each one is served under its own
-// title, heading and back link.
-TEST(VerbsE2E, EveryInstalledVerbIsServed) {
+// are the verbs these tests know (and EveryPage serves each one).
+TEST(VerbsE2E, TheInstalledVerbsAreTheOnesTheTestsKnow) {
     std::ifstream list(VERBGW_VERB_LIST);
     std::set<std::string> listed;
-    for (std::string name; std::getline(list, name);) {
-        listed.insert(name);
-        std::string page = expected_page(name == "sel" ? "sel/info" : name, name == "shelf" ? "Undefined" : "", "");
-        gateway_result r = run_gateway(get(name));
-        EXPECT_EQ(r.status, 0) << name;
-        EXPECT_TRUE(r.out.starts_with(page.substr(0, page.find("</H2>") + 5))) << r.out;
-        EXPECT_TRUE(r.out.ends_with(page.substr(page.rfind("<HR><A HREF")))) << r.out;
-    }
+    for (std::string name; std::getline(list, name);) listed.insert(name);
     EXPECT_EQ(listed, expected_verbs());
 }

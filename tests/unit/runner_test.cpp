@@ -18,7 +18,7 @@ TEST(ToolLimits, AreThirtySecondsOfSilenceSixteenMiBAndFortySecondsInAll) {
 // and says so when more would pass.
 TEST(ToolEnvironment, KeepsWhatPassesUpToItsCapacity) {
     static char kept[] = "PATH=/bin", dropped[] = "HTTP_HOST=x";
-    for (std::size_t passing : {std::size_t{0}, std::size_t{3}, tool_environment::capacity, tool_environment::capacity + 1}) {
+    for (std::size_t passing : {std::size_t{3}, tool_environment::capacity, tool_environment::capacity + 1}) {
         std::vector<char*> env;
         for (std::size_t i = 0; i < passing; ++i) env.insert(env.end(), {dropped, kept});
         env.push_back(nullptr);
