@@ -13,52 +13,127 @@ using enum form_reading;
 using enum viewer_right;
 using enum get_right;
 
-// One row a verb: its name, the page its plan starts from, how it reads its
-// fields, the function that plans its command, what a viewer may do with it
-// and whether a GET may run it. The build writes every other list of verbs
+// One row a verb: its name, its page (the title and heading; its back link
+// names the form page of the same name), how it reads its fields, the
+// function that plans its command, what a viewer may do with it and
+// whether a GET may run it. The build writes every other list of verbs
 // from this table (the installed names, the servers' viewer, guarded and
 // GET lists, the fields each verb reads), so adding a verb takes:
-//   1. its page and plan function in its family's file under verbs/;
+//   1. its plan function in its family's file under verbs/;
 //   2. its row here;
-//   3. its form page in tools/forms/make_forms.py (then make forms);
-//   4. its rows in the end-to-end tables (tests/e2e/pages.cpp and
-//      verbs_e2e_test.cpp) and its request in tests/browser/requests.mjs.
+//   3. its form page in tools/forms/make_forms.py (then make forms), and
+//      what it reads in www/tests/forms.test.mjs;
+//   4. its rows in the tests: its page in tests/shared/pages.cpp, its cases
+//      in tests/shared/verb_cases.cpp, its request in
+//      tests/browser/requests.mjs (and the viewer's or GET list there).
+// The literals are the shelf's own, quirks included: no mark in the titles
+// of frudata, setfanlevel and setipmbstate; no blank after "<TITLE>" in
+// gethysteresis's, nor before "</TITLE>" in reset's and the event enable
+// verbs'; no blank before "</H2>" in the set-threshold, set-hysteresis and
+// event enable headings; fru and fruinfo share theirs.
 // Table order is fixed; a lookup takes the first equal name.
 constexpr verb_entry verbs[] = {
-    // name                  page                             fields    plan                                    viewer          GET
-    {"activate",             &activate_page,                  registry, plan_activate,                          operator_only,  post_only},
-    {"alarm",                &alarm_page,                     registry, plan_alarm,                             viewer_guarded, get_reads},
-    {"board",                &board_page,                     direct,   plan_board,                             viewer_reads,   get_reads},
-    {"fans",                 &fans_page,                      registry, plan_fans,                              viewer_reads,   get_reads},
-    {"fru",                  &fru_page,                       registry, plan_fru,                               viewer_reads,   get_reads},
-    {"gethysteresis",        &gethysteresis_verb.page,        registry, plan_shaped<gethysteresis_verb>,        viewer_reads,   get_reads},
-    {"getlanconfig",         &getlanconfig_page,              direct,   plan_getlanconfig,                      viewer_reads,   get_reads},
-    {"getpef",               &getpef_page,                    direct,   plan_getpef,                            viewer_reads,   get_reads},
-    {"getthreshold",         &getthreshold_verb.page,         registry, plan_shaped<getthreshold_verb>,         viewer_reads,   get_reads},
-    {"ipmc",                 &ipmc_page,                      registry, plan_ipmc,                              viewer_reads,   get_reads},
-    {"reset",                &reset_page,                     direct,   plan_reset,                             operator_only,  post_only},
-    {"sel",                  &sel_info_verb.page,             registry, plan_sel,                               viewer_guarded, get_reads},
-    {"sensor",               &sensor_verb.page,               registry, plan_shaped<sensor_verb>,               viewer_reads,   get_reads},
-    {"sensordata",           &sensordata_verb.page,           registry, plan_shaped<sensordata_verb>,           viewer_reads,   get_reads},
-    {"sethysteresis",        &sethysteresis_verb.page,        registry, plan_shaped<sethysteresis_verb>,        operator_only,  post_only},
-    {"setlanconfig",         &setlanconfig_page,              direct,   plan_setlanconfig,                      operator_only,  post_only},
-    {"setpef",               &setpef_page,                    direct,   plan_setpef,                            operator_only,  post_only},
-    {"setthreshold",         &setthreshold_verb.page,         registry, plan_shaped<setthreshold_verb>,         operator_only,  post_only},
-    {"shelf",                &shelf_page,                     registry, plan_shelf,                             operator_only,  get_reads},
-    {"showunhealthy",        &showunhealthy_page,             direct,   plan_showunhealthy,                     viewer_reads,   get_reads},
-    {"version",              &version_page,                   direct,   plan_fixed_command,                     viewer_reads,   get_reads},
-    {"switchover",           &switchover_page,                direct,   plan_fixed_command,                     operator_only,  post_only},
-    {"frudata",              &frudata_page,                   registry, plan_frudata,                           operator_only,  get_reads},
-    {"fruinfo",              &fruinfo_page,                   registry, plan_fruinfo,                           viewer_reads,   post_only},
-    {"getfanlevel",          &getfanlevel_page,               registry, plan_getfanlevel,                       viewer_reads,   post_only},
-    {"setfanlevel",          &setfanlevel_page,               registry, plan_setfanlevel,                       operator_only,  post_only},
-    {"getsensoreventenable", &getsensoreventenable_verb.page, registry, plan_shaped<getsensoreventenable_verb>, viewer_reads,   get_reads},
-    {"setsensoreventenable", &setsensoreventenable_verb.page, registry, plan_shaped<setsensoreventenable_verb>, operator_only,  post_only},
-    {"getipmbstate",         &getipmbstate_page,              registry, plan_getipmbstate,                      viewer_reads,   post_only},
-    {"setipmbstate",         &setipmbstate_page,              registry, plan_setipmbstate,                      operator_only,  post_only},
-    {"getfruledstate",       &getfruledstate_page,            registry, plan_getfruledstate,                    viewer_reads,   get_reads},
-    {"setfruledstate",       &setfruledstate_page,            registry, plan_setfruledstate,                    operator_only,  post_only},
-    {"session",              &session_page,                   direct,   plan_fixed_command,                     viewer_reads,   get_reads},
+    // name, {title element, heading},
+    //  how it reads its fields, its plan, what a viewer may do, whether a GET may run it
+    {"activate", {"<TITLE> Corvane&#8482; Shelf Manager, FRU Activate / Deactivate </TITLE>",
+                 "<H2> FRU Action </H2>"},
+     registry, plan_activate, operator_only, post_only},
+    {"alarm", {"<TITLE> Corvane&#8482; Shelf Manager, Alarm </TITLE>",
+              "<H2> Alarm </H2>"},
+     registry, plan_alarm, viewer_guarded, get_reads},
+    {"board", {"<TITLE> Corvane&#8482; Shelf Manager, Board Information </TITLE>",
+              "<H2> Board Information </H2>"},
+     direct, plan_board, viewer_reads, get_reads},
+    {"fans", {"<TITLE> Corvane&#8482; Shelf Manager, Fan Information </TITLE>",
+             "<H2> Fan Information </H2>"},
+     registry, plan_fans, viewer_reads, get_reads},
+    {"fru", {"<TITLE> Corvane&#8482; Shelf Manager, FRU Information </TITLE>",
+            "<H2> FRU Information </H2>"},
+     registry, plan_fru, viewer_reads, get_reads},
+    {"gethysteresis", {"<TITLE>Corvane&#8482; Shelf Manager, Get Sensor Hysteresis Information </TITLE>",
+                      "<H2> Sensor Hysteresis Information </H2>"},
+     registry, plan_shaped<gethysteresis_verb>, viewer_reads, get_reads},
+    {"getlanconfig", {"<TITLE> Corvane&#8482; Shelf Manager, LAN Configuration Information </TITLE>",
+                     "<H2> Get LAN Configuration Information </H2>"},
+     direct, plan_getlanconfig, viewer_reads, get_reads},
+    {"getpef", {"<TITLE> Corvane&#8482; Shelf Manager, PEF Configuration Information </TITLE>",
+               "<H2> Get PEF Configuration Information </H2>"},
+     direct, plan_getpef, viewer_reads, get_reads},
+    {"getthreshold", {"<TITLE> Corvane&#8482; Shelf Manager, Get Sensor Threshold Information </TITLE>",
+                     "<H2> Sensor Threshold Information </H2>"},
+     registry, plan_shaped<getthreshold_verb>, viewer_reads, get_reads},
+    {"ipmc", {"<TITLE> Corvane&#8482; Shelf Manager, IPM Controller Information </TITLE>",
+             "<H2> IPM Controller Information </H2>"},
+     registry, plan_ipmc, viewer_reads, get_reads},
+    {"reset", {"<TITLE> Corvane&#8482; Shelf Manager, Reset Board</TITLE>",
+              "<H2> Reset Board </H2>"},
+     direct, plan_reset, operator_only, post_only},
+    {"sel", {"<TITLE> Corvane&#8482; Shelf Manager, SEL Info </TITLE>",
+            "<H2> SEL Info </H2>"},
+     registry, plan_sel, viewer_guarded, get_reads},
+    {"sensor", {"<TITLE> Corvane&#8482; Shelf Manager, Sensor Information </TITLE>",
+               "<H2> Sensor Information </H2>"},
+     registry, plan_shaped<sensor_verb>, viewer_reads, get_reads},
+    {"sensordata", {"<TITLE> Corvane&#8482; Shelf Manager, Sensor Data Information </TITLE>",
+                   "<H2> Sensor Data Information </H2>"},
+     registry, plan_shaped<sensordata_verb>, viewer_reads, get_reads},
+    {"sethysteresis", {"<TITLE> Corvane&#8482; Shelf Manager, Set Sensor Hysteresis </TITLE>",
+                      "<H2> Set Sensor Hysteresis</H2>"},
+     registry, plan_shaped<sethysteresis_verb>, operator_only, post_only},
+    {"setlanconfig", {"<TITLE> Corvane&#8482; Shelf Manager, Set LAN Configuration Information </TITLE>",
+                     "<H2> Set LAN Configuration Information </H2>"},
+     direct, plan_setlanconfig, operator_only, post_only},
+    {"setpef", {"<TITLE> Corvane&#8482; Shelf Manager, Set PEF Configuration Information </TITLE>",
+               "<H2> Set PEF Configuration Information </H2>"},
+     direct, plan_setpef, operator_only, post_only},
+    {"setthreshold", {"<TITLE> Corvane&#8482; Shelf Manager, Set Sensor Threshold </TITLE>",
+                     "<H2> Set Sensor Threshold</H2>"},
+     registry, plan_shaped<setthreshold_verb>, operator_only, post_only},
+    {"shelf", {"<TITLE> Corvane&#8482; Shelf Manager, Shelf Information </TITLE>",
+              "<H2> Shelf Information: Undefined </H2>"},
+     registry, plan_shelf, operator_only, get_reads},
+    {"showunhealthy", {"<TITLE> Corvane&#8482; Shelf Manager, Unhealthy Components Information </TITLE>",
+                      "<H2> Unhealthy Components Information </H2>"},
+     direct, plan_showunhealthy, viewer_reads, get_reads},
+    {"version", {"<TITLE> Corvane&#8482; Shelf Manager, Version Information </TITLE>",
+                "<H2> Version Information </H2>"},
+     direct, plan_fixed_command, viewer_reads, get_reads},
+    {"switchover", {"<TITLE> Corvane&#8482; Shelf Manager, Switchover </TITLE>",
+                   "<H2> Switchover </H2>"},
+     direct, plan_fixed_command, operator_only, post_only},
+    {"frudata", {"<TITLE> Corvane Shelf Manager, FRU Data </TITLE>",
+                "<H2> FRU Data </H2>"},
+     registry, plan_frudata, operator_only, get_reads},
+    {"fruinfo", {"<TITLE> Corvane&#8482; Shelf Manager, FRU Information </TITLE>",
+                "<H2> FRU Information </H2>"},
+     registry, plan_fruinfo, viewer_reads, post_only},
+    {"getfanlevel", {"<TITLE> Corvane&#8482; Shelf Manager, Fan Level </TITLE>",
+                    "<H2> Get Fan Level </H2>"},
+     registry, plan_getfanlevel, viewer_reads, post_only},
+    {"setfanlevel", {"<TITLE> Corvane Shelf Manager, Set Fan Level </TITLE>",
+                    "<H2> Set Fan Level </H2>"},
+     registry, plan_setfanlevel, operator_only, post_only},
+    {"getsensoreventenable", {"<TITLE> Corvane&#8482; Shelf Manager, Get Sensor Event Enable Mask</TITLE>",
+                             "<H2> Get Sensor Event Enable Mask</H2>"},
+     registry, plan_shaped<getsensoreventenable_verb>, viewer_reads, get_reads},
+    {"setsensoreventenable", {"<TITLE> Corvane&#8482; Shelf Manager, Set Sensor Event Enable Mask</TITLE>",
+                             "<H2> Set Sensor Event Enable Mask</H2>"},
+     registry, plan_shaped<setsensoreventenable_verb>, operator_only, post_only},
+    {"getipmbstate", {"<TITLE> Corvane&#8482; Shelf Manager, IPMB State </TITLE>",
+                     "<H2> Get IPMB State </H2>"},
+     registry, plan_getipmbstate, viewer_reads, post_only},
+    {"setipmbstate", {"<TITLE> Corvane Shelf Manager, Set IPMB State </TITLE>",
+                     "<H2> Set IPMB State </H2>"},
+     registry, plan_setipmbstate, operator_only, post_only},
+    {"getfruledstate", {"<TITLE> Corvane&#8482; Shelf Manager, Get FRU LED State </TITLE>",
+                       "<H2> FRU LED State </H2>"},
+     registry, plan_getfruledstate, viewer_reads, get_reads},
+    {"setfruledstate", {"<TITLE> Corvane&#8482; Shelf Manager, Set FRU LED State </TITLE>",
+                       "<H2> Set FRU LED State </H2>"},
+     registry, plan_setfruledstate, operator_only, post_only},
+    {"session", {"<TITLE> Corvane&#8482; Shelf Manager, Session Information </TITLE>",
+                "<H2> Session Information </H2>"},
+     direct, plan_fixed_command, viewer_reads, get_reads},
 };
 
 }  // namespace

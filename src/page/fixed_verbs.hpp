@@ -3,9 +3,5 @@
 
 #include "page/verb_page.hpp"
 
-extern const verb_page version_page;
-extern const verb_page session_page;
-extern const verb_page switchover_page;
-
-// Sends the page's fixed command; the form's fields are ignored.
+// Sends the verb's own name as its command; the form's fields are ignored.
 void plan_fixed_command(const form_input& form, verb_plan& plan);

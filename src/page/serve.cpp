@@ -10,7 +10,8 @@ void plan_verb(const verb_entry& verb, char* const* items, verb_plan& plan, fiel
     form.items = items;
     form.watch = watch;
     if (verb.reads == form_reading::registry) bind_params(form.params, items);
-    plan.page = verb.page;
+    plan.page = &verb.page;
+    plan.verb = verb.name;
     verb.plan(form, plan);
 }
 

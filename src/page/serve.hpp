@@ -16,7 +16,7 @@ enum class get_right : unsigned char { post_only, get_reads };
 
 struct verb_entry {
     std::string_view name;
-    const verb_page* page;  // the page a plan starts with
+    verb_page page;  // the page a plan starts with
     form_reading reads;
     plan_builder plan;
     viewer_right viewer;

@@ -43,6 +43,8 @@ void write_page(std::FILE* out, const verb_plan& plan, tool_runner run_tool, cha
         run_tool(out, plan.command, env);
     }
     put(out, page.output_closer);
-    put(out, page.back_link);
+    put(out, "<A HREF=\"/verbs/");
+    put(out, plan.verb);
+    put(out, ".html\"> Back to the previous page </A>");
     put(out, "</BODY></HTML>");
 }

@@ -16,8 +16,6 @@
 struct verb_page {
     std::string_view title;  // the whole title element
     std::string_view heading;
-    std::string_view back_link;
-    std::string_view fixed_command = {};  // for the verbs whose command never varies
     std::string_view output_opener = "</P><HR><PRE>";
     std::string_view output_closer = "</PRE><HR>";
 };
@@ -57,6 +55,7 @@ private:
 // What a verb decided for one request, before anything is written.
 struct verb_plan {
     const verb_page* page = nullptr;
+    std::string_view verb;  // its name: the form page the back link names
     fixed_text<1024 + 64> heading;  // empty: the page's own heading literal
     note_list notes;                // written after the heading, in order
     command_text command;

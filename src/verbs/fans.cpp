@@ -6,25 +6,6 @@
 
 using namespace param;
 
-const verb_page fans_page = {
-    .title = "<TITLE> Corvane&#8482; Shelf Manager, Fan Information </TITLE>",
-    .heading = "<H2> Fan Information </H2>",
-    .back_link = "<A HREF=\"/verbs/fans.html\"> Back to the previous page </A>",
-};
-
-const verb_page getfanlevel_page = {
-    .title = "<TITLE> Corvane&#8482; Shelf Manager, Fan Level </TITLE>",
-    .heading = "<H2> Get Fan Level </H2>",
-    .back_link = "<A HREF=\"/verbs/getfanlevel.html\"> Back to the previous page </A>",
-};
-
-// This title has no trademark sign.
-const verb_page setfanlevel_page = {
-    .title = "<TITLE> Corvane Shelf Manager, Set Fan Level </TITLE>",
-    .heading = "<H2> Set Fan Level </H2>",
-    .back_link = "<A HREF=\"/verbs/setfanlevel.html\"> Back to the previous page </A>",
-};
-
 namespace {
 
 // fans has no required fields and takes the pti_sym form for any non-zero selector.

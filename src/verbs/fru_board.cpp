@@ -6,57 +6,6 @@ using namespace param;
 
 namespace {
 
-// fru and fruinfo share their header and heading.
-constexpr std::string_view fru_information_title =
-    "<TITLE> Corvane&#8482; Shelf Manager, FRU Information </TITLE>";
-constexpr std::string_view fru_information_heading = "<H2> FRU Information </H2>";
-
-}  // namespace
-
-const verb_page activate_page = {
-    .title = "<TITLE> Corvane&#8482; Shelf Manager, FRU Activate / Deactivate </TITLE>",
-    .heading = "<H2> FRU Action </H2>",
-    .back_link = "<A HREF=\"/verbs/activate.html\"> Back to the previous page </A>",
-};
-
-const verb_page fru_page = {
-    .title = fru_information_title,
-    .heading = fru_information_heading,
-    .back_link = "<A HREF=\"/verbs/fru.html\"> Back to the previous page </A>",
-};
-
-const verb_page frudata_page = {
-    .title = "<TITLE> Corvane Shelf Manager, FRU Data </TITLE>",
-    .heading = "<H2> FRU Data </H2>",
-    .back_link = "<A HREF=\"/verbs/frudata.html\"> Back to the previous page </A>",
-};
-
-const verb_page fruinfo_page = {
-    .title = fru_information_title,
-    .heading = fru_information_heading,
-    .back_link = "<A HREF=\"/verbs/fruinfo.html\"> Back to the previous page </A>",
-};
-
-const verb_page board_page = {
-    .title = "<TITLE> Corvane&#8482; Shelf Manager, Board Information </TITLE>",
-    .heading = "<H2> Board Information </H2>",
-    .back_link = "<A HREF=\"/verbs/board.html\"> Back to the previous page </A>",
-};
-
-const verb_page reset_page = {
-    .title = "<TITLE> Corvane&#8482; Shelf Manager, Reset Board</TITLE>",
-    .heading = "<H2> Reset Board </H2>",
-    .back_link = "<A HREF=\"/verbs/reset.html\"> Back to the previous page </A>",
-};
-
-const verb_page ipmc_page = {
-    .title = "<TITLE> Corvane&#8482; Shelf Manager, IPM Controller Information </TITLE>",
-    .heading = "<H2> IPM Controller Information </H2>",
-    .back_link = "<A HREF=\"/verbs/ipmc.html\"> Back to the previous page </A>",
-};
-
-namespace {
-
 // The unit as activate, frudata and fruinfo name it: by symbol and id for
 // `req_type` 1, else by address and id; each word taken on its own.
 constexpr command_form unit_pairs[] = {

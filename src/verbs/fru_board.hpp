@@ -4,16 +4,6 @@
 
 #include "page/verb_page.hpp"
 
-extern const verb_page activate_page;
-extern const verb_page fru_page;
-extern const verb_page frudata_page;
-extern const verb_page fruinfo_page;
-extern const verb_page getfruledstate_page;
-extern const verb_page setfruledstate_page;
-extern const verb_page board_page;
-extern const verb_page reset_page;
-extern const verb_page ipmc_page;
-
 void plan_activate(const form_input& form, verb_plan& plan);
 void plan_fru(const form_input& form, verb_plan& plan);
 void plan_frudata(const form_input& form, verb_plan& plan);

@@ -3,18 +3,6 @@
 
 using namespace param;
 
-const verb_page getfruledstate_page = {
-    .title = "<TITLE> Corvane&#8482; Shelf Manager, Get FRU LED State </TITLE>",
-    .heading = "<H2> FRU LED State </H2>",
-    .back_link = "<A HREF=\"/verbs/getfruledstate.html\"> Back to the previous page </A>",
-};
-
-const verb_page setfruledstate_page = {
-    .title = "<TITLE> Corvane&#8482; Shelf Manager, Set FRU LED State </TITLE>",
-    .heading = "<H2> Set FRU LED State </H2>",
-    .back_link = "<A HREF=\"/verbs/setfruledstate.html\"> Back to the previous page </A>",
-};
-
 namespace {
 
 // getfruledstate: each id only follows the words before it.

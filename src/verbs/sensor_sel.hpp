@@ -22,7 +22,7 @@ using refusal_rule = std::string_view (*)(const shaped_verb& verb, const form_in
 // Set 1 (req_type reads as 1) first, then set 0 (any other req_type, or
 // none); each shape's `complete` holds the fields a validating verb needs.
 struct shaped_verb {
-    verb_page page;
+    const verb_page* page = nullptr;  // a page of its own; null: its verb's
     command_form sets[2];
     bool verbose_note = false;       // the verbose note follows the heading when `verbose` is present
     refusal_rule refusal = nullptr;  // null: the command always runs
@@ -38,7 +38,7 @@ std::string_view refuse_unless_a_set_is_complete(const shaped_verb& verb, const 
 // failing check gives the message.
 std::string_view refuse_event_enable(const shaped_verb& verb, const form_input& form);
 
-// Points the plan at the verb's page, fills the chosen set's template and
+// Points the plan at the verb's own page if it has one, fills the chosen set's template and
 // applies the verb's note and rule.
 void plan_shaped_verb(const shaped_verb& verb, const form_input& form, verb_plan& plan);
 
@@ -55,14 +55,6 @@ extern const shaped_verb setthreshold_verb;
 extern const shaped_verb sethysteresis_verb;
 extern const shaped_verb getsensoreventenable_verb;
 extern const shaped_verb setsensoreventenable_verb;
-extern const shaped_verb sel_information_verb;
-extern const shaped_verb sel_clear_verb;
-extern const shaped_verb sel_info_verb;
-
-// sel's three pages; each points the plan at its own page.
-void sel_information_page(const form_input& form, verb_plan& plan);
-void sel_clear_page(const form_input& form, verb_plan& plan);
-void sel_info_page(const form_input& form, verb_plan& plan);
 
 // sel: the exact text of req_type_sel picks the page ("0" SEL Information,
 // "1" SEL Clear, anything else or nothing SEL Info).

@@ -9,13 +9,6 @@
 
 using namespace param;
 
-// The heading literal is the one shown when `command` is absent.
-const verb_page shelf_page = {
-    .title = "<TITLE> Corvane&#8482; Shelf Manager, Shelf Information </TITLE>",
-    .heading = "<H2> Shelf Information: Undefined </H2>",
-    .back_link = "<A HREF=\"/verbs/shelf.html\"> Back to the previous page </A>",
-};
-
 namespace {
 
 // The sub-command name fills the first place of every shape but the bare

@@ -4,6 +4,4 @@
 
 #include "page/verb_page.hpp"
 
-extern const verb_page shelf_page;
-
 void plan_shelf(const form_input& form, verb_plan& plan);

@@ -6,55 +6,6 @@
 
 using namespace param;
 
-const verb_page getlanconfig_page = {
-    .title = "<TITLE> Corvane&#8482; Shelf Manager, LAN Configuration Information </TITLE>",
-    .heading = "<H2> Get LAN Configuration Information </H2>",
-    .back_link = "<A HREF=\"/verbs/getlanconfig.html\"> Back to the previous page </A>",
-};
-
-const verb_page setlanconfig_page = {
-    .title = "<TITLE> Corvane&#8482; Shelf Manager, Set LAN Configuration Information </TITLE>",
-    .heading = "<H2> Set LAN Configuration Information </H2>",
-    .back_link = "<A HREF=\"/verbs/setlanconfig.html\"> Back to the previous page </A>",
-};
-
-const verb_page getpef_page = {
-    .title = "<TITLE> Corvane&#8482; Shelf Manager, PEF Configuration Information </TITLE>",
-    .heading = "<H2> Get PEF Configuration Information </H2>",
-    .back_link = "<A HREF=\"/verbs/getpef.html\"> Back to the previous page </A>",
-};
-
-const verb_page setpef_page = {
-    .title = "<TITLE> Corvane&#8482; Shelf Manager, Set PEF Configuration Information </TITLE>",
-    .heading = "<H2> Set PEF Configuration Information </H2>",
-    .back_link = "<A HREF=\"/verbs/setpef.html\"> Back to the previous page </A>",
-};
-
-const verb_page alarm_page = {
-    .title = "<TITLE> Corvane&#8482; Shelf Manager, Alarm </TITLE>",
-    .heading = "<H2> Alarm </H2>",
-    .back_link = "<A HREF=\"/verbs/alarm.html\"> Back to the previous page </A>",
-};
-
-const verb_page showunhealthy_page = {
-    .title = "<TITLE> Corvane&#8482; Shelf Manager, Unhealthy Components Information </TITLE>",
-    .heading = "<H2> Unhealthy Components Information </H2>",
-    .back_link = "<A HREF=\"/verbs/showunhealthy.html\"> Back to the previous page </A>",
-};
-
-const verb_page getipmbstate_page = {
-    .title = "<TITLE> Corvane&#8482; Shelf Manager, IPMB State </TITLE>",
-    .heading = "<H2> Get IPMB State </H2>",
-    .back_link = "<A HREF=\"/verbs/getipmbstate.html\"> Back to the previous page </A>",
-};
-
-// This title has no trademark sign after the brand.
-const verb_page setipmbstate_page = {
-    .title = "<TITLE> Corvane Shelf Manager, Set IPMB State </TITLE>",
-    .heading = "<H2> Set IPMB State </H2>",
-    .back_link = "<A HREF=\"/verbs/setipmbstate.html\"> Back to the previous page </A>",
-};
-
 namespace {
 
 // A POST field read by name, and the text that stands for it when the

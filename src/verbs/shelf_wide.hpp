@@ -5,15 +5,6 @@
 
 #include "page/verb_page.hpp"
 
-extern const verb_page getlanconfig_page;
-extern const verb_page setlanconfig_page;
-extern const verb_page getpef_page;
-extern const verb_page setpef_page;
-extern const verb_page alarm_page;
-extern const verb_page showunhealthy_page;
-extern const verb_page getipmbstate_page;
-extern const verb_page setipmbstate_page;
-
 // The LAN/PEF verbs and showunhealthy read their fields straight from the
 // POST pairs; the registry is never bound for them.
 void plan_getlanconfig(const form_input& form, verb_plan& plan);
