@@ -286,9 +286,15 @@ test(`a tool that hangs holds at most ${viewerGateways} gateways for viewers, an
   { skip: hostOnly('the test replaces the tool and counts its processes') }, async (t) => {
   const script = readFileSync(server.tool);
   writeFileSync(server.tool, '#!/bin/sh\nsleep 6\n');
-  const tools = () => readdirSync('/proc').filter((p) => /^\d+$/.test(p)).filter((p) => {
-    try { return readFileSync(`/proc/${p}/cmdline`, 'utf8').includes(server.tool); } catch { return false; }
-  });
+  // The shell running the tool forks before it runs sleep: the child holds
+  // the same command line until its exec, and is not a tool of its own.
+  const tools = () => {
+    const running = readdirSync('/proc').filter((p) => /^\d+$/.test(p)).filter((p) => {
+      try { return readFileSync(`/proc/${p}/cmdline`, 'utf8').includes(server.tool); } catch { return false; }
+    });
+    const parent = (p) => { try { return readFileSync(`/proc/${p}/stat`, 'utf8').split(') ')[1].split(' ')[1]; } catch { return ''; } };
+    return running.filter((p) => !running.includes(parent(p)));
+  };
   try {
     const viewer = await api('viewer');
     const operator = await api('operator');

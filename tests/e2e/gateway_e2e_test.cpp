@@ -160,56 +160,73 @@ TEST(GatewayE2E, AnUnreadableBodyStillGivesAnUnknownNameItsNotFoundLine) {
     EXPECT_EQ(r.out, not_found);
 }
 
+namespace {
+
 // The page shows what follows the tool's first prompt, up to the next; a
 // tool that falls silent, floods or is still running at its deadline is
 // ended (here after 1 s, 1 MiB or 3 s) and never outlives the request, nor
 // does any process it started in its group.
-TEST(GatewayE2E, TheToolsAnswerIsCutToWhatFollowsThePromptAndBounded) {
+struct answer_case {
+    std::string name, output;  // what the stand-in prints
+    std::string mode;          // how it behaves besides (see stub_shelfctl.cpp)
+    std::string block;         // what the page's output block holds
+    std::string complaint = "";  // on the gateway's standard error
+    bool short_limits = false;
+};
+
+std::vector<answer_case> answer_cases() {
     const std::string long_line(300, 'L'), silent = "verbgw: shelfctl gave no output for 1 s; ended\n",
                       overdue = "verbgw: shelfctl ran past 3 s; ended\n", answer = "banner\nCLI> \nanswer\nCLI> \n",
                       flooded = "verbgw: shelfctl's answer reached 1 MiB; ended\n";
     std::string flood = "CLI> \n";
     while (flood.size() < (1u << 20)) flood += "more output after the prompt\n";
-    const struct {
-        std::string output, mode, block, complaint = "";
-        bool short_limits = false;
-    } cases[] = {
-        {"banner\nCLI> \nline a\nline b\nCLI> \n", "read", "line a\nline b\n"},
-        {"CLI> \ncan't interact with shelf manager\nmore\nCLI> \n", "read",
+    return {
+        {"between_two_prompts", "banner\nCLI> \nline a\nline b\nCLI> \n", "read", "line a\nline b\n"},
+        {"cant_interact", "CLI> \ncan't interact with shelf manager\nmore\nCLI> \n", "read",
          "Can't interact with Corvane Shelf Manager <BR>"},
-        {"CLI> \nx\nLast item obtained.\ny\nCLI> \n", "read", "x\n"},
-        {"can't interact with x\nCLI> \nok\nCLI> \n", "read", "ok\n"},
-        {"CLI> \n<b>&amp;</b>\n" + long_line + "\nCLI> \n", "read", "<b>&amp;</b>\n" + long_line + "\n"},
-        {"banner\nno prompt at all\n", "read", ""},
-        {"CLI> \npartial answer\n", "read", "partial answer\n"},
-        {"CLI> \nan empty line\n\nin the answer\nCLI> \n", "read", "an empty line\n\nin the answer\n"},
-        {"CLI> \n" + std::string(254, 'x') + "CLI> cut at 254 bytes\n", "read", std::string(254, 'x')},
-        {"CLI> \nNUL\x7f" "ends a line's text\nnext\nCLI> \n", "read", "NULnext\n"},
-        {answer, "noread", "answer\n"},
-        {answer, "flood", "answer\n"},
-        {"", "hang", "", silent, true},
-        {"banner\nCLI> \npartial\n", "fork-hang", "partial\n", silent, true},
-        {"CLI> \n", "fork-flood", flood.substr(6, (1u << 20) - 6), flooded, true},
-        {answer, "fork-hang", "answer\n", overdue, true},
-        {"banner\n", "trickle", "", overdue, true},
-        {answer, "fork-read", "answer\n"},
+        {"last_item_obtained", "CLI> \nx\nLast item obtained.\ny\nCLI> \n", "read", "x\n"},
+        {"cant_interact_before_the_prompt", "can't interact with x\nCLI> \nok\nCLI> \n", "read", "ok\n"},
+        {"markup_and_long_lines_as_they_are", "CLI> \n<b>&amp;</b>\n" + long_line + "\nCLI> \n", "read",
+         "<b>&amp;</b>\n" + long_line + "\n"},
+        {"no_prompt", "banner\nno prompt at all\n", "read", ""},
+        {"no_second_prompt", "CLI> \npartial answer\n", "read", "partial answer\n"},
+        {"empty_line_in_the_answer", "CLI> \nan empty line\n\nin the answer\nCLI> \n", "read",
+         "an empty line\n\nin the answer\n"},
+        {"cut_at_254_bytes", "CLI> \n" + std::string(254, 'x') + "CLI> cut at 254 bytes\n", "read", std::string(254, 'x')},
+        {"zero_byte_ends_a_lines_text", "CLI> \nNUL\x7f" "ends a line's text\nnext\nCLI> \n", "read", "NULnext\n"},
+        {"tool_that_never_reads", answer, "noread", "answer\n"},
+        {"tool_that_floods_after_the_answer", answer, "flood", "answer\n"},
+        {"silent_tool", "", "hang", "", silent, true},
+        {"silent_after_a_partial_answer", "banner\nCLI> \npartial\n", "fork-hang", "partial\n", silent, true},
+        {"flood_past_1_MiB", "CLI> \n", "fork-flood", flood.substr(6, (1u << 20) - 6), flooded, true},
+        {"running_past_the_deadline", answer, "fork-hang", "answer\n", overdue, true},
+        {"trickling_past_the_deadline", "banner\n", "trickle", "", overdue, true},
+        {"forking_tool_that_exits", answer, "fork-read", "answer\n"},
     };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.mode + ": " + c.output.substr(0, 40));
-        gateway_request request = post("version", "a=1");
-        request.tool_output = c.output;
-        request.tool_mode = c.mode;
-        request.short_limits = c.short_limits;
-        gateway_result r = run_gateway(request);
-        EXPECT_TRUE(r.out == version_page(c.block)) << r.out.substr(0, 400);
-        EXPECT_EQ(r.status, 0);
-        EXPECT_EQ(r.err, c.complaint);
-        EXPECT_EQ(r.tool_input, c.mode == "noread" ? "" : "version\nquit\n\n");
-        EXPECT_FALSE(process_alive(r.tool_pid));
-        EXPECT_EQ(r.tool_child > 0, c.mode.starts_with("fork-"));
-        EXPECT_TRUE(r.tool_child == 0 || process_ends(r.tool_child));
-    }
 }
+
+class ToolAnswer : public testing::TestWithParam<answer_case> {};
+
+TEST_P(ToolAnswer, IsCutToWhatFollowsThePromptAndBounded) {
+    const answer_case& c = GetParam();
+    gateway_request request = post("version", "a=1");
+    request.tool_output = c.output;
+    request.tool_mode = c.mode;
+    request.short_limits = c.short_limits;
+    gateway_result r = run_gateway(request);
+    EXPECT_TRUE(r.out == version_page(c.block)) << r.out.substr(0, 400);
+    EXPECT_EQ(r.status, 0);
+    EXPECT_EQ(r.err, c.complaint);
+    EXPECT_EQ(r.tool_input, c.mode == "noread" ? "" : "version\nquit\n\n");
+    EXPECT_FALSE(process_alive(r.tool_pid));
+    EXPECT_EQ(r.tool_child > 0, c.mode.starts_with("fork-"));
+    EXPECT_TRUE(r.tool_child == 0 || process_ends(r.tool_child));
+}
+
+INSTANTIATE_TEST_SUITE_P(GatewayE2E, ToolAnswer, testing::ValuesIn(answer_cases()),
+                         [](const testing::TestParamInfo<answer_case>& info) { return info.param.name; });
+
+}  // namespace
 
 TEST(GatewayE2E, AToolThatCannotStartIsReported) {
     char dir_template[] = "/tmp/verbgw-tools-XXXXXX";
@@ -324,54 +341,78 @@ TEST(GatewayE2E, TheToolGetsTheServersEnvironmentWithoutTheClients) {
 // the raw invocation goes at offset 0 of a plain file of its own, never
 // through a link, into a directory, a hard link to another file or a
 // FIFO, and the page is served either way.
-TEST(GatewayE2E, TheLogTakesTheRawInvocationOnlyInAPlainFileOfItsOwn) {
-    const std::string victim = "/var/tmp/verbgw-victim";
-    int holder = -1;
-    const auto fill_log = [](std::string text) { return [text] { std::ofstream(log_path) << text; }; };
-    const struct {
-        std::string what, argv0;
-        std::function<void()> plant;
-        std::string log;  // "-": not written, and the victim, if any, unchanged
-        bool no_argv0 = false;
-    } cases[] = {
-        {"absent: created", "/www/cgi-bin/sensor.cgi", [] {}, "/www/cgi-bin/sensor.cgi"},
-        {"longer content stays behind", "fru", fill_log("getthreshold"), "fruthreshold"},
-        {"an empty name is not written", "", fill_log("kept"), "kept"},
-        {"nor a missing one", "", fill_log("kept"), "kept", true},
-        {"link to a file", "fru", [&] { std::ofstream(victim) << "secret", symlink(victim.c_str(), log_path); }, "-"},
-        {"dangling link", "fru", [&] { symlink(victim.c_str(), log_path); }, "-"},
-        {"directory", "fru", [] { mkdir(log_path, 0700); }, "-"},
-        {"hard link", "fru", [&] { std::ofstream(victim) << "secret", link(victim.c_str(), log_path); }, "-"},
-        {"FIFO held open", "fru", [&] { mkfifo(log_path, 0666), holder = open(log_path, O_RDWR | O_NONBLOCK); }, "-"},
+namespace {
+
+const std::string victim = "/var/tmp/verbgw-victim";
+
+struct log_case {
+    std::string name, argv0;
+    std::function<int()> plant;     // plants what is at the log's path; a descriptor to read after, or -1
+    std::optional<std::string> log;  // the log's content after; none: not written (nor the victim)
+    bool no_argv0 = false;
+    bool made_by_the_gateway = false;  // then it is the gateway's own file, mode 0640
+};
+
+std::function<int()> log_holding(std::string text) {
+    return [text] { return std::ofstream(log_path) << text, -1; };
+}
+
+std::vector<log_case> log_cases() {
+    return {
+        {"absent_created_0640", "/www/cgi-bin/sensor.cgi", [] { return -1; }, "/www/cgi-bin/sensor.cgi", false, true},
+        {"longer_content_stays_behind", "fru", log_holding("getthreshold"), "fruthreshold"},
+        {"an_empty_name_is_not_written", "", log_holding("kept"), "kept"},
+        {"nor_a_missing_one", "", log_holding("kept"), "kept", true},
+        {"link_to_a_file", "fru", [] { return std::ofstream(victim) << "secret", symlink(victim.c_str(), log_path), -1; },
+         std::nullopt},
+        {"dangling_link", "fru", [] { return symlink(victim.c_str(), log_path), -1; }, std::nullopt},
+        {"directory", "fru", [] { return mkdir(log_path, 0700), -1; }, std::nullopt},
+        {"hard_link", "fru", [] { return std::ofstream(victim) << "secret", link(victim.c_str(), log_path), -1; },
+         std::nullopt},
+        {"fifo_held_open", "fru", [] { return mkfifo(log_path, 0666), open(log_path, O_RDWR | O_NONBLOCK); },
+         std::nullopt},
     };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.what);
-        std::filesystem::remove_all(log_path);
-        std::filesystem::remove(victim);
-        c.plant();
-        bool victim_planted = std::filesystem::exists(victim);
-        gateway_request request = get(c.argv0);
-        request.no_argv0 = c.no_argv0;
-        EXPECT_TRUE(run_gateway(request).out.ends_with("</BODY></HTML>"));
-        EXPECT_EQ(c.log == "-" ? "-" : slurp(log_path), c.log);
-        EXPECT_EQ(std::filesystem::exists(victim) ? slurp(victim) : "(none)",
-                  victim_planted ? "secret" : "(none)");
-        using std::filesystem::perms;
-        EXPECT_TRUE(c.what != "absent: created" || std::filesystem::status(log_path).permissions() == perms(0640));
-        if (holder >= 0) {  // whoever holds a FIFO there reads nothing
-            char got[64];
-            EXPECT_LT(read(holder, got, sizeof got), 0);
-            close(holder);
-            holder = -1;
-        }
+}
+
+class LogFile : public testing::TestWithParam<log_case> {};
+
+TEST_P(LogFile, TakesTheRawInvocationOnlyInAPlainFileOfItsOwn) {
+    const log_case& c = GetParam();
+    std::filesystem::remove_all(log_path);
+    std::filesystem::remove(victim);
+    int holder = c.plant();
+    bool victim_planted = std::filesystem::exists(victim);
+    gateway_request request = get(c.argv0);
+    request.no_argv0 = c.no_argv0;
+    EXPECT_TRUE(run_gateway(request).out.ends_with("</BODY></HTML>"));
+    if (c.log) {
+        EXPECT_EQ(slurp(log_path), *c.log);
     }
-    // With the log refused and no standard input, the tool's pipe takes
-    // descriptor 0 itself, and must stay open for the tool.
+    EXPECT_EQ(std::filesystem::exists(victim) ? slurp(victim) : "(none)", victim_planted ? "secret" : "(none)");
+    if (c.made_by_the_gateway) {
+        EXPECT_EQ(std::filesystem::status(log_path).permissions(), std::filesystem::perms(0640));
+    }
+    if (holder >= 0) {  // whoever holds a FIFO there reads nothing
+        char got[64];
+        EXPECT_LT(read(holder, got, sizeof got), 0);
+        close(holder);
+    }
+    std::filesystem::remove_all(log_path);
+    std::filesystem::remove(victim);
+}
+
+INSTANTIATE_TEST_SUITE_P(GatewayE2E, LogFile, testing::ValuesIn(log_cases()),
+                         [](const testing::TestParamInfo<log_case>& info) { return info.param.name; });
+
+}  // namespace
+
+// With the log refused and no standard input, the tool's pipe takes
+// descriptor 0 itself, and must stay open for the tool.
+TEST(GatewayE2E, WithTheLogRefusedAndNoInputTheToolStillGetsItsPipe) {
     std::filesystem::remove_all(log_path);
     std::filesystem::create_directory(log_path);
     gateway_request no_input = get("version");
     no_input.stdin_from = "";
     EXPECT_EQ(run_gateway(no_input).out, version_page(stub_answer("version")));
     std::filesystem::remove_all(log_path);
-    std::filesystem::remove(victim);
 }
