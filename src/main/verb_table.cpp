@@ -21,11 +21,14 @@ using enum get_right;
 // GET lists, the fields each verb reads), so adding a verb takes:
 //   1. its plan function in its family's file under verbs/;
 //   2. its row here;
-//   3. its form page in tools/forms/make_forms.py (then make forms), and
-//      what it reads in www/tests/forms.test.mjs;
+//   3. its form page in tools/forms/make_forms.py (then run it), a link in
+//      www/verbs/index.html, and what it reads in www/tests/forms.test.mjs;
 //   4. its rows in the tests: its page in tests/shared/pages.cpp, its cases
 //      in tests/shared/verb_cases.cpp, its request in
-//      tests/browser/requests.mjs (and the viewer's or GET list there).
+//      tests/browser/requests.mjs (and the viewer's or GET list there);
+//   5. a new command word also needs its answer in the simulated shelf
+//      (tools/shelfsim), which the browser suites run every form against.
+// README.md, "Adding a verb", has the whole list and an example.
 // The literals are the shelf's own, quirks included: no mark in the titles
 // of frudata, setfanlevel and setipmbstate; no blank after "<TITLE>" in
 // gethysteresis's, nor before "</TITLE>" in reset's and the event enable

@@ -42,5 +42,6 @@ TEST(VerbsE2E, TheInstalledVerbsAreTheOnesTheTestsKnow) {
     std::ifstream list(VERBGW_VERB_LIST);
     std::set<std::string> listed;
     for (std::string name; std::getline(list, name);) listed.insert(name);
-    EXPECT_EQ(listed, expected_verbs());
+    for (const std::string& verb : listed) EXPECT_TRUE(expected_verbs().count(verb)) << verb << " has no page row";
+    for (const std::string& verb : expected_verbs()) EXPECT_TRUE(listed.count(verb)) << verb << " is not installed";
 }

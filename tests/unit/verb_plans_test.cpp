@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <optional>
+#include <set>
 #include <string>
 
 #include "form/form_vars.hpp"
@@ -52,6 +53,13 @@ TEST_P(EveryCase, PlansItsCommandAndWritesItsPage) {
     const verb_case& c = GetParam();
     EXPECT_EQ(page_for(c), expected_page_of(c));
     EXPECT_EQ(sent, c.command);
+}
+
+// Every verb of the table has a case of its own.
+TEST(VerbPlans, EveryVerbHasACase) {
+    std::set<std::string> covered;
+    for (const verb_case& c : verb_cases()) covered.insert(verb_of(c.page));
+    for (const verb_entry& verb : verb_table) EXPECT_TRUE(covered.count(std::string(verb.name))) << verb.name;
 }
 
 INSTANTIATE_TEST_SUITE_P(VerbPlans, EveryCase, testing::ValuesIn(verb_cases()),
