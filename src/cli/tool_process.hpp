@@ -34,8 +34,8 @@ void end_tool_with_gateway();
 
 // Starts the tool at `path` in a process group of its own with the
 // environment `env`; returns 0, or the error number of the failed pipe,
-// process or exec. From then on SIGCHLD
-// stays blocked in the gateway, for end_tool to wait on.
+// process or exec. From then on SIGCHLD stays blocked in the gateway, for
+// end_tool to wait on.
 int start_tool(const char* path, char* const* env, tool_process& tool);
 
 // Waits for the tool to exit, at most until `deadline_ms` (monotonic_ms);

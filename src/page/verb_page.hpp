@@ -55,7 +55,7 @@ private:
 // What a verb decided for one request, before anything is written.
 struct verb_plan {
     const verb_page* page = nullptr;
-    std::string_view verb;  // its name: the form page the back link names
+    std::string_view verb;          // its name: the form page the back link names
     fixed_text<1024 + 64> heading;  // empty: the page's own heading literal
     note_list notes;                // written after the heading, in order
     command_text command;
