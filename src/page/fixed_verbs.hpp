@@ -4,4 +4,4 @@
 #include "page/verb_page.hpp"
 
 // Sends the verb's own name as its command; the form's fields are ignored.
-void plan_fixed_command(const form_input& form, verb_plan& plan);
+plan_function plan_fixed_command;

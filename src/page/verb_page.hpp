@@ -62,7 +62,10 @@ struct verb_plan {
     std::string_view refusal;  // the verb's validation message; empty: run the tool
 };
 
-using plan_builder = void (*)(const form_input& form, verb_plan& plan);
+// Every verb's plan has this one signature; its header declares it by
+// this type (`plan_function plan_fru;`), the table holds a pointer.
+using plan_function = void(const form_input& form, verb_plan& plan);
+using plan_builder = plan_function*;
 
 // How a verb reads its fields: through the registry, or directly from the
 // POST pairs (the verbs whose fields are not registry parameters).

@@ -3,6 +3,4 @@
 
 #include "page/verb_page.hpp"
 
-void plan_fans(const form_input& form, verb_plan& plan);
-void plan_getfanlevel(const form_input& form, verb_plan& plan);
-void plan_setfanlevel(const form_input& form, verb_plan& plan);
+plan_function plan_fans, plan_getfanlevel, plan_setfanlevel;

@@ -4,13 +4,7 @@
 
 #include "page/verb_page.hpp"
 
-void plan_activate(const form_input& form, verb_plan& plan);
-void plan_fru(const form_input& form, verb_plan& plan);
-void plan_frudata(const form_input& form, verb_plan& plan);
-void plan_fruinfo(const form_input& form, verb_plan& plan);
-void plan_getfruledstate(const form_input& form, verb_plan& plan);
-void plan_setfruledstate(const form_input& form, verb_plan& plan);
+plan_function plan_activate, plan_fru, plan_frudata, plan_fruinfo, plan_ipmc;
+plan_function plan_getfruledstate, plan_setfruledstate;
 // board and reset read `slot` and `verbose` straight from the POST pairs.
-void plan_board(const form_input& form, verb_plan& plan);
-void plan_reset(const form_input& form, verb_plan& plan);
-void plan_ipmc(const form_input& form, verb_plan& plan);
+plan_function plan_board, plan_reset;

@@ -4,4 +4,4 @@
 
 #include "page/verb_page.hpp"
 
-void plan_shelf(const form_input& form, verb_plan& plan);
+plan_function plan_shelf;

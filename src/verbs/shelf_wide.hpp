@@ -7,12 +7,6 @@
 
 // The LAN/PEF verbs and showunhealthy read their fields straight from the
 // POST pairs; the registry is never bound for them.
-void plan_getlanconfig(const form_input& form, verb_plan& plan);
-void plan_setlanconfig(const form_input& form, verb_plan& plan);
-void plan_getpef(const form_input& form, verb_plan& plan);
-void plan_setpef(const form_input& form, verb_plan& plan);
-void plan_showunhealthy(const form_input& form, verb_plan& plan);
+plan_function plan_getlanconfig, plan_setlanconfig, plan_getpef, plan_setpef, plan_showunhealthy;
 
-void plan_alarm(const form_input& form, verb_plan& plan);
-void plan_getipmbstate(const form_input& form, verb_plan& plan);
-void plan_setipmbstate(const form_input& form, verb_plan& plan);
+plan_function plan_alarm, plan_getipmbstate, plan_setipmbstate;
