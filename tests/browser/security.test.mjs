@@ -83,18 +83,35 @@ async function api(role, password) {
   return playwrightRequest.newContext({ ignoreHTTPSErrors: true, httpCredentials, maxRedirects: 0 });
 }
 
-// The access log's lines for `path`, once one matches `awaited` (the
-// server writes its log in batches).
-async function logged(path, awaited = /./) {
+// The access log's lines for `path` from offset `from` on, once one
+// matches `awaited` (the server writes its log in batches).
+async function logged(path, awaited = /./, from = 0) {
   let lines = [];
   for (let i = 0; i < 60 && !lines.some((l) => awaited.test(l)); i++) {
     if (i > 0) await new Promise((r) => setTimeout(r, 100));
-    lines = readFileSync(server.accessLog, 'utf8').split('\n').filter((l) => l.includes(` ${path} `) || l.includes(` ${path}?`));
+    lines = readFileSync(server.accessLog, 'utf8').slice(from).split('\n')
+      .filter((l) => l.includes(` ${path} `) || l.includes(` ${path}?`));
   }
   return lines;
 }
 
+// Where the lines of what follows begin in the access log. The server
+// writes its log when it can, and a device's server has logged the suites
+// before this one: a marker request, once logged, tells.
+async function logMark() {
+  const marker = `/verbs/answer.html?mark=${Date.now()}`;
+  await requestFrom('127.0.0.1', server.basic('operator'), marker);
+  let mark = -1;
+  for (let i = 0; i < 100 && mark < 0; i++) {
+    mark = readFileSync(server.accessLog, 'utf8').indexOf(marker);
+    if (mark < 0) await new Promise((r) => setTimeout(r, 100));
+  }
+  assert.ok(mark >= 0, 'the marker was logged');
+  return mark;
+}
+
 test('another site cannot make the operator\'s browser change the shelf', async () => {
+  const mark = await logMark();
   const page = await operatorPage();
   const before = readFileSync(server.state, 'utf8');
   for (const attack of ['/form', '/img', '/fetch']) {
@@ -105,7 +122,7 @@ test('another site cannot make the operator\'s browser change the shelf', async 
   // (Apache logs no user for a request its authorization refused.)
   const refused = / (operator|-) "[A-Z]+ \S+ HTTP\/[\d.]+" 403 /;
   for (const verb of ['setfanlevel', 'switchover', 'sel']) {
-    const lines = await logged(`/cgi-bin/${verb}`);
+    const lines = await logged(`/cgi-bin/${verb}`, /./, mark);
     assert.ok(lines.length > 0 && lines.every((l) => refused.test(l)), `${verb}:\n${lines.join('\n')}`);
   }
   assert.equal(readFileSync(server.state, 'utf8'), before);
@@ -459,16 +476,7 @@ esac
   chmodSync(server.tool, 0o755);
   try {
     const before = readFileSync(server.state, 'utf8');
-    // The server writes its log when it can: a marker request, once logged,
-    // tells where this test's lines begin.
-    const marker = `/verbs/answer.html?mark=${Date.now()}`;
-    await requestFrom('127.0.0.1', server.basic('operator'), marker);
-    let earlier = -1;
-    for (let i = 0; i < 100 && earlier < 0; i++) {
-      earlier = readFileSync(server.accessLog, 'utf8').indexOf(marker);
-      if (earlier < 0) await new Promise((r) => setTimeout(r, 100));
-    }
-    assert.ok(earlier >= 0, 'the marker was logged');
+    const earlier = await logMark();
     const page = await operatorAt('/verbs/fruinfo.html');
     const f = page.locator('#form-address');
     await f.locator('[name="addr1_0"]').fill('0x82');
