@@ -233,12 +233,13 @@ TEST(GatewayE2E, AToolThatCannotStartIsReported) {
     std::string dir = mkdtemp(dir_template), bogus = dir + "/shelfctl";
     gateway_request missing = get("version"), no_files = get("version"), second = get("version"),
                     in_cwd = get("version"), broken = get("version");
-    missing.tool_on_path = false;
+    missing.path = "";
     missing.merge_stderr = true;
-    no_files.open_file_limit = 4;  // standard streams and the log leave no room for a pipe
-    second.path_first = dir;       // holding a shelfctl that is not executable
-    in_cwd.tool_in_cwd = true;     // an empty PATH entry is the working directory
-    broken.tool_dir = dir;
+    no_files.open_file_limit = 4;                 // standard streams and the log leave no room for a pipe
+    second.path = dir + ":" + stub_dir() + ":";  // the first holding a shelfctl that is not executable
+    in_cwd.path = ":";                            // an empty PATH entry is the working directory
+    in_cwd.cwd = stub_dir();
+    broken.path = dir + ":";
     std::ofstream(bogus) << "not a program\n";
     chmod(bogus.c_str(), 0644);
     EXPECT_EQ(run_gateway(missing).out, page_before_tool + "verbgw: shelfctl: not found\n" + page_after_tool);

@@ -26,6 +26,8 @@ void append_words(std::vector<std::string>& args, const std::string& text) {
 
 }  // namespace
 
+std::string stub_dir() { return env_or("VERBGW_STUB_DIR", VERBGW_DEFAULT_STUB_DIR); }
+
 std::string slurp(const std::string& path) {
     std::ifstream in(path, std::ios::binary);
     return {std::istreambuf_iterator<char>(in), {}};
@@ -38,8 +40,6 @@ gateway_result run_gateway(const gateway_request& request) {
 
     std::string binary = request.short_limits ? env_or("VERBGW_SHORT_LIMITS_BINARY", VERBGW_SHORT_LIMITS_BINARY)
                                               : env_or("VERBGW_BINARY", VERBGW_DEFAULT_BINARY);
-    std::string stub_dir =
-        request.tool_dir.empty() ? env_or("VERBGW_STUB_DIR", VERBGW_DEFAULT_STUB_DIR) : request.tool_dir;
     // VERBGW_EMULATOR (for a cross-built gateway) holds the emulator's
     // command; "-0 <name>" passes the invocation name through it.
     std::string emulator = env_or("VERBGW_EMULATOR", "");
@@ -53,8 +53,7 @@ gateway_result run_gateway(const gateway_request& request) {
         wrapper.clear();
 
     std::vector<std::string> args;
-    std::string path = request.path_first.empty() ? "" : request.path_first + ":";
-    if (request.tool_on_path) path += request.tool_in_cwd ? ":" : stub_dir + ":";
+    std::string path = request.path.value_or(stub_dir() + ":");
     if (!wrapper.empty()) {
         std::filesystem::create_directory(links);
         std::filesystem::create_symlink(binary, links + "/" + request.argv0);
@@ -98,7 +97,7 @@ gateway_result run_gateway(const gateway_request& request) {
         dup2(request.out_fd >= 0 ? request.out_fd : out, 1);
         dup2(request.merge_stderr ? out : err, 2);
         close_range(3, ~0u, 0);  // the gateway starts with the standard streams only
-        if (request.tool_in_cwd && chdir(stub_dir.c_str()) != 0) _exit(126);
+        if (!request.cwd.empty() && chdir(request.cwd.c_str()) != 0) _exit(126);
         if (request.open_file_limit > 0) {
             rlimit limit{static_cast<rlim_t>(request.open_file_limit),
                          static_cast<rlim_t>(request.open_file_limit)};

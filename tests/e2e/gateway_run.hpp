@@ -18,16 +18,14 @@ struct gateway_request {
     std::optional<std::string> content_length;  // default: the body's size (POST only)
     std::optional<std::string> tool_output;     // default: the stub's echoing answer
     std::string tool_mode = "read";
-    bool tool_on_path = true;
+    std::optional<std::string> path;  // PATH's entries before /usr/bin:/bin; default: the stand-in's directory
+    std::string cwd;                  // the gateway's working directory; default: the tests'
     int open_file_limit = 0;  // 0: unchanged
     bool no_argv0 = false;    // start with an empty argument vector
     // Called once the tool has started, with the gateway's pid and the tool's.
     std::function<void(int gateway, int tool)> while_running;
     int out_fd = -1;             // >= 0: the gateway's standard output instead of a file
     bool short_limits = false;   // the gateway built with shortened tool limits (1 s, 1 MiB)
-    std::string tool_dir;        // default: the stand-in's directory
-    std::string path_first;      // a directory put on PATH before the tool's
-    bool tool_in_cwd = false;    // PATH's first entry empty, the tool in the working directory
     std::vector<std::string> extra_env;
     bool merge_stderr = false;  // standard error into the same file as the page, as some servers do
 };
@@ -42,6 +40,8 @@ struct gateway_result {
     int tool_child = 0;  // the pid of the child a forking stand-in started
 };
 
+// The directory of the stand-in shelfctl.
+std::string stub_dir();
 // The whole content of a file ("" when there is none).
 std::string slurp(const std::string& path);
 // True while the process `pid` exists.
