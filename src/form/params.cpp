@@ -1,7 +1,5 @@
 #include "form/params.hpp"
 
-#include <cstring>
-
 #define VERBGW_PARAM_ENTRY(name, number) {param::name, #name},
 constexpr param_entry param_table[param_count] = {VERBGW_PARAMS(VERBGW_PARAM_ENTRY)};
 #undef VERBGW_PARAM_ENTRY
