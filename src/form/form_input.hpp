@@ -20,9 +20,10 @@ struct field {
     bool reads_as(std::uint32_t n) const { return present() && number() == n; }
 };
 
-// Told the name of every field a plan asks for: the build lists each
-// verb's fields this way. Requests run without one.
-using field_watch = void (*)(std::string_view name);
+// Told the name of every field a plan asks for, and whether it asked
+// through the registry: the build lists each verb's fields this way and
+// checks the verb's row against them. Requests run without one.
+using field_watch = void (*)(std::string_view name, bool through_registry);
 
 // The request's form as the verbs read it.
 struct form_input {
@@ -31,11 +32,11 @@ struct form_input {
     field_watch watch = nullptr;
 
     field param(param::id id) const {
-        if (watch != nullptr) watch(param_name(id));
+        if (watch != nullptr) watch(param_name(id), true);
         return {param_value(params, id)};
     }
     field post_var(std::string_view name) const {
-        if (watch != nullptr) watch(name);
+        if (watch != nullptr) watch(name, false);
         return {post_var_value(items, name)};
     }
 };

@@ -1,5 +1,7 @@
 #include "main/verb_table.hpp"
 
+#include <iterator>
+
 #include "page/fixed_verbs.hpp"
 #include "verbs/fans.hpp"
 #include "verbs/fru_board.hpp"
@@ -19,22 +21,28 @@ using enum get_right;
 // whether a GET may run it. The build writes every other list of verbs
 // from this table (the installed names, the servers' viewer, guarded and
 // GET lists, the fields each verb reads), so adding a verb takes:
-//   1. its plan function in its family's file under verbs/;
-//   2. its row here;
+//   1. its plan function in its family's file under verbs/, declared in
+//      the family's header as a `plan_function`;
+//   2. its row at the end of this table (the build refuses a second row of
+//      a name, a GET right its plan cannot honour, and a `direct` row whose
+//      plan asks the registry);
 //   3. its form page in tools/forms/make_forms.py (then run it), a link in
-//      www/verbs/index.html, and what it reads in www/tests/forms.test.mjs;
+//      www/verbs/index.html, and what it reads in www/tests/forms.test.mjs
+//      (and its name in CHANGING there if it changes the shelf);
 //   4. its rows in the tests: its page in tests/shared/pages.cpp, its cases
 //      in tests/shared/verb_cases.cpp, its request in
 //      tests/browser/requests.mjs (and the viewer's or GET list there);
 //   5. a new command word also needs its answer in the simulated shelf
-//      (tools/shelfsim), which the browser suites run every form against.
-// README.md, "Adding a verb", has the whole list and an example.
+//      (tools/shelfsim), which the browser suites run every form against;
+//      a `viewer_guarded` verb, the rule that tells its reading commands in
+//      deploy/guard.in.
+// README.md, "Adding a verb", says the same with an example.
 // The literals are the shelf's own, quirks included: no mark in the titles
 // of frudata, setfanlevel and setipmbstate; no blank after "<TITLE>" in
 // gethysteresis's, nor before "</TITLE>" in reset's and the event enable
 // verbs'; no blank before "</H2>" in the set-threshold, set-hysteresis and
 // event enable headings; fru and fruinfo share theirs.
-// Table order is fixed; a lookup takes the first equal name.
+// Table order is fixed (a new verb's row goes at the end); names are unique.
 constexpr verb_entry verbs[] = {
     // name, {title element, heading},
     //  how it reads its fields, its plan, what a viewer may do, whether a GET may run it
@@ -138,6 +146,16 @@ constexpr verb_entry verbs[] = {
                 "<H2> Session Information </H2>"},
      direct, plan_fixed_command, viewer_reads, get_reads},
 };
+
+// A lookup serves the first row of a name while the lists name every row,
+// so a second row of a name would install and list what never runs.
+constexpr bool names_are_unique() {
+    for (std::size_t i = 0; i < std::size(verbs); ++i)
+        for (std::size_t j = 0; j < i; ++j)
+            if (verbs[i].name == verbs[j].name) return false;
+    return true;
+}
+static_assert(names_are_unique(), "two rows of the verb table have the same name");
 
 }  // namespace
 

@@ -18,7 +18,7 @@ struct verb_entry {
     std::string_view name;
     verb_page page;  // the page a plan starts with
     form_reading reads;
-    plan_builder plan;
+    plan_function* plan;
     viewer_right viewer;
     get_right get;
 };

@@ -65,7 +65,6 @@ struct verb_plan {
 // Every verb's plan has this one signature; its header declares it by
 // this type (`plan_function plan_fru;`), the table holds a pointer.
 using plan_function = void(const form_input& form, verb_plan& plan);
-using plan_builder = plan_function*;
 
 // How a verb reads its fields: through the registry, or directly from the
 // POST pairs (the verbs whose fields are not registry parameters).
@@ -73,15 +72,15 @@ enum class form_reading { registry, direct };
 
 using tool_runner = void (*)(std::FILE* out, const command_text& command, char* const* env);
 
-// Writes the page skeleton around the plan: header, heading and notes, then
-// inside the output block the verb's refusal, the runner's refusal, or the
-// tool's answer, then the back link.
 // Why a command text may not be sent, or empty when it may: a line break
 // would make it several tool commands (checked first), and a text longer
 // than the tool's line is refused, never cut.
 std::string_view command_refusal(const command_text& command);
 
-// `env` is the gateway's environment, handed to the runner.
+// Writes the page skeleton around the plan: header, heading and notes, then
+// inside the output block the verb's refusal, the command's refusal, or the
+// tool's answer, then the back link. `env` is the gateway's environment,
+// handed to the runner.
 void write_page(std::FILE* out, const verb_plan& plan, tool_runner run_tool, char* const* env);
 
 // Notes most verbs share.

@@ -1,11 +1,13 @@
 // A request for every verb, as the form pages would post it, and what its
 // page must hold: the tool's answer (a non-empty output block) or, where a
 // third item is given, the verb's own message. And the check that a server
-// answers each of them byte for byte as the gateway run directly does.
+// answers each of them byte for byte as the gateway run directly does,
+// which also fails when an installed verb has no request here.
 import assert from 'node:assert/strict';
 import { spawnSync } from 'node:child_process';
 import { copyFileSync } from 'node:fs';
 import { dirname } from 'node:path';
+import { verbList } from './serve.mjs';
 
 export const form = { 'Content-Type': 'application/x-www-form-urlencoded' };
 
@@ -66,6 +68,8 @@ export const verbRequests = [
 // Posts every request through `server` with the request context `client`
 // and runs the installed gateway directly on a copy of the same shelf state.
 export async function expectDirectAnswers(server, client) {
+  assert.deepEqual([...new Set(verbRequests.map(([verb]) => verb))].sort(), verbList('verbs.txt').sort(),
+    'verbRequests has a request for every installed verb');
   const direct = `${server.dir}/direct.state`;
   for (const [verb, body] of verbRequests) {
     copyFileSync(server.state, direct);

@@ -5,8 +5,10 @@
 //   guarded_verbs.txt  the verbs a viewer reaches behind the guard
 //   get_verbs.txt      the verbs a GET may run
 //   verb_fields.txt    each verb and the form fields it can ask for
-// It fails when a verb a GET may run would refuse a GET, so a row cannot
-// promise what its plan does not do.
+// It fails, writing nothing, when a row promises what its plan does not
+// do: a verb a GET may run that would refuse a GET, or a verb whose row
+// reads its fields directly (leaving the registry unbound) while its plan
+// asks the registry, where every field would read as absent.
 //   verb_lists OUTDIR
 #include <cstdio>
 #include <map>
@@ -18,9 +20,12 @@
 
 namespace {
 
-std::set<std::string> asked;
+std::set<std::string> asked, asked_through_registry;
 
-void note_asked(std::string_view name) { asked.emplace(name); }
+void note_asked(std::string_view name, bool through_registry) {
+    asked.emplace(name);
+    if (through_registry) asked_through_registry.emplace(name);
+}
 
 using assignment = std::map<std::string, std::string>;
 
@@ -104,8 +109,18 @@ int main(int argc, char** argv) {
         verb_plan plan;
         plan_verb(verb, nullptr, plan);
         if (verb.get == get_right::get_reads && (!plan.refusal.empty() || plan.command.view().empty())) {
-            std::fprintf(stderr, "verb_lists: a GET of %.*s would not run the tool\n",
+            std::fprintf(stderr, "verb_lists: a GET of %.*s would not run the tool; make its row post_only\n",
                          static_cast<int>(verb.name.size()), verb.name.data());
+            return 1;
+        }
+    }
+    std::vector<std::set<std::string>> fields_of;
+    for (const verb_entry& verb : verb_table) {
+        asked_through_registry.clear();
+        fields_of.push_back(fields_read(verb));
+        if (verb.reads == form_reading::direct && !asked_through_registry.empty()) {
+            std::fprintf(stderr, "verb_lists: %.*s asks the registry for %s, but its row reads directly\n",
+                         static_cast<int>(verb.name.size()), verb.name.data(), asked_through_registry.begin()->c_str());
             return 1;
         }
     }
@@ -121,9 +136,9 @@ int main(int argc, char** argv) {
         std::perror("verb_lists");
         return 1;
     }
-    for (const verb_entry& verb : verb_table) {
-        std::fprintf(fields, "%.*s", static_cast<int>(verb.name.size()), verb.name.data());
-        for (const std::string& name : fields_read(verb)) std::fprintf(fields, " %s", name.c_str());
+    for (std::size_t i = 0; i < verb_table.size(); ++i) {
+        std::fprintf(fields, "%.*s", static_cast<int>(verb_table[i].name.size()), verb_table[i].name.data());
+        for (const std::string& name : fields_of[i]) std::fprintf(fields, " %s", name.c_str());
         std::fputc('\n', fields);
     }
     return std::fclose(fields) == 0 ? 0 : 1;
