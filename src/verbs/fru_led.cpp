@@ -34,23 +34,19 @@ bool unit_is_ready(const form_input& form, const command_shape& unit) {
     return form.param(req_type).number() > 1 || all_present(form, unit.complete);
 }
 
-// Where a request stands: only done, or an appended TEST, runs the tool.
-enum class led_request { incomplete, ready, done };
-
 // An operation, chosen by the keyword `addr1_1` begins with; its shape's
 // `complete` lists the arguments it cannot go without.
 struct led_operation {
     std::string_view keyword;
     command_shape shape;
-    bool finishes;  // TEST runs without the request being done
 };
 
 constexpr led_operation led_operations[] = {
-    {"ON", {" ON %s", {take(addr1_2)}}, true},
-    {"OFF", {" OFF"}, true},
-    {"LOCAL", {" LOCAL"}, true},
-    {"BLINK", {" BLINK %s %s %s", {take(id2_2), take(id2_3), take(addr1_2)}, params_of({id2_2, id2_3})}, true},
-    {"TEST", {" TEST %s", {take(id2_2)}, params_of({id2_2})}, false},
+    {"ON", {" ON %s", {take(addr1_2)}}},
+    {"OFF", {" OFF"}},
+    {"LOCAL", {" LOCAL"}},
+    {"BLINK", {" BLINK %s %s %s", {take(id2_2), take(id2_3), take(addr1_2)}, params_of({id2_2, id2_3})}},
+    {"TEST", {" TEST %s", {take(id2_2)}, params_of({id2_2})}},
 };
 
 const led_operation* operation_for(field keyword) {
@@ -70,16 +66,12 @@ void plan_getfruledstate(const form_input& form, verb_plan& plan) {
 void plan_setfruledstate(const form_input& form, verb_plan& plan) {
     const command_shape& unit = pick_shape(form, set_led_units);
     append_shape(form, unit, plan.command);
-    led_request state = unit_is_ready(form, unit) ? led_request::ready : led_request::incomplete;
-    bool testing = false;
+    // The tool runs only for a ready unit and a known, complete operation.
+    bool unit_ready = unit_is_ready(form, unit);
     const led_operation* operation = operation_for(form.param(addr1_1));
-    if (state == led_request::ready && operation != nullptr && all_present(form, operation->shape.complete)) {
+    if (unit_ready && operation != nullptr && all_present(form, operation->shape.complete)) {
         append_shape(form, operation->shape, plan.command);
-        if (operation->finishes) {
-            state = led_request::done;
-        } else {
-            testing = true;
-        }
+    } else {
+        plan.refusal = "It is necessary to set parameters!<BR>";
     }
-    if (state != led_request::done && !testing) plan.refusal = "It is necessary to set parameters!<BR>";
 }
