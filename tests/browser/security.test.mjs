@@ -212,6 +212,22 @@ test('every path needs a user, and only an operator changes the shelf', async ()
   for (const c of [anonymous, wrong, viewer, operator]) await c.dispose();
 });
 
+test('a role changed while the server runs holds from the next request',
+  { skip: hostOnly('the test changes the accounts') }, async () => {
+  const operator = await api('operator');
+  const set = () => operator.post(`${server.base}/cgi-bin/setfanlevel`, { data: 'req_type=2&value=11', headers: form })
+    .then((r) => r.status());
+  assert.equal(await set(), 200);
+  try {
+    server.setRole('operator', 'viewer');
+    assert.equal(await set(), 403);
+  } finally {
+    server.setRole('operator', 'operator');
+  }
+  assert.equal(await set(), 200);
+  await operator.dispose();
+});
+
 test('the gateway is reached only same-origin, by GET, HEAD or POST, with a small body', async () => {
   const operator = await api('operator');
   const url = `${server.base}/cgi-bin/version`;
@@ -429,7 +445,7 @@ test('a viewer changes nothing, whatever it posts', async () => {
   // Tokens are taken only for verbs that can change the shelf: a viewer
   // writes nothing into the server's spool.
   for (const verb of ['version', 'alarm']) {
-    const token = `${'0123456789abcdef'.repeat(2)}-${verb}`;
+    const token = `${'0123456789abcdef'.repeat(3)}-${verb}`;
     assert.equal((await viewer.post(`${server.base}/cgi-bin/${verb}?once=${token}`, { data: 'x=1', headers: form })).status(), 200);
     assert.equal(existsSync(join(server.run, 'spool/once', token)), false, verb);
   }
@@ -548,6 +564,40 @@ for (const [verb, formKey, fields, label] of presses) {
     await page.context().close();
   });
 }
+
+// The used tokens go with the spool when the server starts again: the
+// tokens of pages it served before must not be taken again.
+test('a form page served before the server restarted changes nothing after it',
+  { skip: hostOnly('the tests do not restart a device') }, async () => {
+  const ready = async () => {
+    const page = await operatorAt('/verbs/reset.html');
+    const f = page.locator('#form-slot');
+    await f.locator('[name="slot"]').fill('3');
+    await f.locator('[name="confirm"]').check();
+    return [page, f.getByRole('button', { name: 'Reset the board', exact: true })];
+  };
+  const [pressed, button] = await ready();
+  await pressAndWait(pressed, button);
+  await answerFrame(pressed).getByRole('link').click();
+  await settle(pressed);
+  const [unpressed, unpressedButton] = await ready();
+  await server.restart();
+  const before = readFileSync(server.state, 'utf8');
+  await pressed.goBack({ timeout: 1000 }).catch(() => {});  // re-sends the press
+  await settle(pressed);
+  await pressAndWait(unpressed, unpressedButton);
+  assert.match(await answerFrame(unpressed).content(), /Sent already: nothing was changed this time/);
+  // Both reached the server (it writes its log when it can), and both got 409.
+  let posts = [];
+  for (let i = 0; i < 50 && posts.length < 2; i++) {
+    if (i > 0) await new Promise((r) => setTimeout(r, 100));
+    posts = (await logged('/cgi-bin/reset')).filter((l) => /"POST /.test(l));
+  }
+  assert.ok(posts.length === 2 && posts.every((l) => /" 409 /.test(l)), posts.join('\n'));
+  assert.equal(readFileSync(server.state, 'utf8'), before);
+  await pressed.context().close();
+  await unpressed.context().close();
+});
 
 test('nothing the server account writes is trusted by root',
   { skip: hostOnly('the test plants files as the server account and restarts the server')

@@ -83,6 +83,7 @@ function attachDevice(build) {
     clientAddress: '10.0.2.2',  // qemu's user networking, as the device sees this host
     device: true,
     async restart() { throw new Error('the tests do not restart a device'); },
+    setRole() { throw new Error('the tests do not change a device\'s accounts'); },
     async stop() { rmSync(dir, { recursive: true, force: true }); },
   }, accounts);
 }
@@ -135,6 +136,10 @@ export async function startServer({ build = buildDir, timeout = 45,
     accessLog: join(run, 'log/access.log'),
     gatewayLog: '/var/tmp/verbgw.log',
     clientAddress: '127.0.0.1',
+    // An account's role changed with deploy/passwd, its password kept.
+    setRole(name, role) {
+      execFileSync(join(install, 'deploy/passwd'), [name, role], { input: `${accounts[name].password}\n`, env });
+    },
     // Stopped and started again, as a device's service would be.
     async restart() {
       await halt(server);

@@ -1,8 +1,8 @@
 #!/bin/bash
 # The account files as deploy/passwd keeps them and as the guard of the
 # event log and the alarms reads them: names are text, never numbers ("7"
-# is not "07", "1000" not "1e3"), and a viewer's command reaches the tool
-# only when it reads.
+# is not "07", "1000" not "1e3"), never two that differ only in case, and
+# a viewer's command reaches the tool only when it reads.
 #   accounts_test.sh DEPLOY_DIR
 set -euo pipefail
 deploy=$1
@@ -16,10 +16,16 @@ add 1000 operator
 add 1e3 viewer
 add 7 viewer
 add 07 operator
-for name in 1000 1e3 7 07; do
+add ab viewer
+add ab operator  # a new role for the same name
+if add aB viewer 2>/dev/null; then fail "passwd took aB beside ab"; fi
+for name in 1000 1e3 7 07 ab; do
     grep -q "^$name " "$VERBGW_ETC/roles" || fail "passwd lost account $name: $(tr '\n' ' ' < "$VERBGW_ETC/roles")"
     grep -q "^$name:" "$VERBGW_ETC/htpasswd" || fail "passwd lost the password of $name"
 done
+[ "$(grep -ci '^ab[ :]' "$VERBGW_ETC/roles" "$VERBGW_ETC/htpasswd" | cut -d: -f2 | paste -sd+)" = "1+1" ] ||
+    fail "ab is not one account with one role: $(cat "$VERBGW_ETC/roles")"
+grep -q '^ab operator$' "$VERBGW_ETC/roles" || fail "ab did not become an operator"
 
 # The guard as deploy/serve fills it in, before a stand-in tool that
 # prints what it received.

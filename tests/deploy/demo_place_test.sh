@@ -46,7 +46,6 @@ yes -x $place/install/shelfsim/shelfctl
 yes -r $place/etc/htpasswd
 yes -r $place/etc/roles
 yes -r $place/etc/groups
-yes -r $place/etc/roles.map
 yes -r $place/run/lighttpd-policy.lua
 yes -x $place/run/guard/shelfctl
 yes -w $place/run/spool/uploads

@@ -714,7 +714,8 @@ ERRORS = {
         '<a href="/verbs/index.html">Back to the index</a>']),
     '409': refusal('Sent already: nothing was changed this time', [
         'The browser sent a change again that this page had sent once (after\ngoing back or forward, or '
-        'reloading). Each change is sent once per press.',
+        'reloading). Each change is sent once per press.\nA page loaded before the web server last started '
+        'is refused the same\nway.',
         'To make the change again, load the form page anew (F5) and press its\nbutton.']),
     '503': refusal('Busy: nothing was sent to the shelf', [
         'As many requests as the shelf manager runs at once are still waiting\nfor the shelf. '
