@@ -21,12 +21,8 @@ const char* environment_value(char* const* env, std::string_view name) {
     return nullptr;
 }
 
-int request_method_kind(const char* request_method) {
-    if (request_method == nullptr) return -1;
-    std::string_view method = request_method;
-    if (method == "POST") return 1;
-    if (method == "GET" || method == "HEAD") return 0;
-    return -1;
+bool posts_a_body(const char* request_method) {
+    return request_method != nullptr && std::string_view(request_method) == "POST";
 }
 
 std::size_t parse_content_length(const char* text) {

@@ -10,8 +10,9 @@
 // the array main is given, never through the C library.
 const char* environment_value(char* const* env, std::string_view name);
 
-// 1 for POST, 0 for GET and HEAD, -1 for any other method or none.
-int request_method_kind(const char* request_method);
+// Whether the request's method brings a form body: only POST does. Any
+// other method, or none, is answered as a request with no fields.
+bool posts_a_body(const char* request_method);
 
 // Name/value texts, alternating, ending with a null pointer; all point
 // into one decoded copy of the body that the list owns.

@@ -16,10 +16,10 @@ void plan_verb(const verb_entry& verb, char* const* items, verb_plan& plan, fiel
 }
 
 int serve_verb(const verb_entry& verb, char* const* env) {
-    int kind = request_method_kind(environment_value(env, "REQUEST_METHOD"));
     form_vars vars;
     static form_room room;
-    if (kind == 1) vars = read_post_vars(environment_value(env, "CONTENT_LENGTH"), &room);
+    const char* method = environment_value(env, "REQUEST_METHOD");
+    if (posts_a_body(method)) vars = read_post_vars(environment_value(env, "CONTENT_LENGTH"), &room);
     verb_plan plan;
     plan_verb(verb, vars.items, plan);
     write_page(stdout, plan, run_cli_command, env);

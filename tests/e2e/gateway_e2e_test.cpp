@@ -128,6 +128,8 @@ std::vector<body_case> body_cases() {
         runs("length_shorter_than_the_body", "addr1_0=0x82", "sensor   ").with_length("7"),
         runs("lower_case_post", "addr1_0=0x82", "sensor   ").with_method("post"),
         runs("no_method", "addr1_0=0x82", "sensor   ").with_method(std::nullopt),
+        runs("get_reads_no_body", "addr1_0=0x82", "sensor   ").with_method("GET"),
+        runs("head_reads_no_body", "addr1_0=0x82", "sensor   ").with_method("HEAD"),
         no_stdin,
     };
 }
@@ -195,6 +197,7 @@ std::vector<answer_case> answer_cases() {
         {"cut_at_254_bytes", "CLI> \n" + std::string(254, 'x') + "CLI> cut at 254 bytes\n", "read", std::string(254, 'x')},
         {"zero_byte_ends_a_lines_text", "CLI> \nNUL\x7f" "ends a line's text\nnext\nCLI> \n", "read", "NULnext\n"},
         {"tool_that_never_reads", answer, "noread", "answer\n"},
+        {"answer_a_byte_at_a_time", answer, "bytewise", "answer\n"},
         {"tool_that_floods_after_the_answer", answer, "flood", "answer\n"},
         {"silent_tool", "", "hang", "", silent, true},
         {"silent_after_a_partial_answer", "banner\nCLI> \npartial\n", "fork-hang", "partial\n", silent, true},

@@ -10,6 +10,7 @@
 //                the line "ran <first input line>" and the next prompt
 //   STUB_MODE    read (default): read all input, then print
 //                noread: print without reading, then exit
+//                bytewise: read, then print a byte every millisecond
 //                flood: read, print, then print lines until the pipe closes
 //                hang: read, print, then never end
 //                trickle: read, print, then a line every 0.25 s, never ending
@@ -73,7 +74,11 @@ int main(int, char** argv) {
     if (input_file >= 0) write_all(input_file, input);
     std::string answer = output ? output : "banner\nCLI> \nran " + input.substr(0, input.find('\n')) + "\nCLI> \n";
     for (char& c : answer) c = c == '\x7f' ? '\0' : c;
-    write_all(1, answer);
+    if (mode == "bytewise") {
+        for (char c : answer) write_all(1, std::string(1, c)), usleep(1000);
+    } else {
+        write_all(1, answer);
+    }
     while (mode == "flood") write_all(1, "more output after the prompt\n");
     while (mode == "trickle") write_all(1, "waiting for the shelf\n"), usleep(250000);
     while (mode == "hang") pause();
