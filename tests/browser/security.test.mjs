@@ -586,7 +586,7 @@ test('a form page served before the server restarted changes nothing after it',
   await pressed.goBack({ timeout: 1000 }).catch(() => {});  // re-sends the press
   await settle(pressed);
   await pressAndWait(unpressed, unpressedButton);
-  assert.match(await answerFrame(unpressed).content(), /Sent already: nothing was changed this time/);
+  assert.match(await answerFrame(unpressed).content(), /Not sent: nothing was sent to the shelf this time/);
   // Both reached the server (it writes its log when it can), and both got 409.
   let posts = [];
   for (let i = 0; i < 50 && posts.length < 2; i++) {

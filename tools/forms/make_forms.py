@@ -60,15 +60,15 @@ def hidden(name, value):
     return Field('hidden', name, value=value)
 
 
-def address(name, required=True, empty=''):
-    hint = f'0x and two hexadecimal digits, such as 0x82; {CONTROLLERS}' + (f'; {empty}' if empty else '')
+def address(name, required=True, empty='', example='0x82'):
+    hint = f'0x and two hexadecimal digits, such as {example}; {CONTROLLERS}' + (f'; {empty}' if empty else '')
     return Field('text', name, 'IPMB address', hint, required,
-                 attrs=f' pattern="{HEX_ADDRESS}" title="0x and two hexadecimal digits, such as 0x82" maxlength="4" '
-                 'autocomplete="off" spellcheck="false"')
+                 attrs=f' pattern="{HEX_ADDRESS}" title="0x and two hexadecimal digits, such as {example}" '
+                 'maxlength="4" autocomplete="off" spellcheck="false"')
 
 
-def unit_name(name):
-    return Field('text', name, 'Unit name', f'the name the controller list shows, such as board1; {CONTROLLERS}',
+def unit_name(name, example='board1'):
+    return Field('text', name, 'Unit name', f'the name the controller list shows, such as {example}; {CONTROLLERS}',
                  True, attrs=' maxlength="32" autocomplete="off" spellcheck="false"')
 
 
@@ -233,15 +233,21 @@ def by_address():
     return [address('addr1_0'), fru_id('id2_0')]
 
 
-def by_name():
-    return [hidden('req_type', 1), unit_name('pti_sym1_1'), fru_id('id2_1')]
+def by_name(example='board1'):
+    return [hidden('req_type', 1), unit_name('pti_sym1_1', example), fru_id('id2_1')]
 
 
-def two_ways(extra, buttons, address_unit=None):
+def two_ways(extra, buttons, address_unit=None, name_example='board1'):
     """The address form and the unit-name form of a page, each followed by
     the same fields and buttons."""
     return [Form('address', 'By IPMB address', (address_unit or by_address()) + extra, buttons),
-            Form('name', 'By unit name', by_name() + extra, buttons)]
+            Form('name', 'By unit name', by_name(name_example) + extra, buttons)]
+
+
+def fan_tray_ways(extra, buttons):
+    """two_ways with a fan tray's address and name as the examples: a
+    board's would only get "not a fan tray" back."""
+    return two_ways(extra, buttons, [address('addr1_0', example='0x72'), fru_id('id2_0')], 'fantray1')
 
 
 THRESHOLDS = [('lnr', 'lnr: Lower Non-Recoverable'), ('lcr', 'lcr: Lower Critical'),
@@ -503,12 +509,12 @@ def level():
 
 PAGES['fans'] = page('fans', 'Fan Information', 'Shows the fan trays: their levels and speeds.', [
     Form('all', 'Every fan tray', [], [button('List every fan tray')]),
-    *two_ways([], [button('Show the fan tray')]),
+    *fan_tray_ways([], [button('Show the fan tray')]),
 ])
 PAGES['getfanlevel'] = page('getfanlevel', 'Get Fan Level', 'Shows the level of a fan tray.',
-                            two_ways([verbose()], [button('Show the level')]))
+                            fan_tray_ways([verbose()], [button('Show the level')]))
 PAGES['setfanlevel'] = page('setfanlevel', 'Set Fan Level', 'Sets the level of one fan tray, or of every fan tray.', [
-    *two_ways([level(), verbose(), confirm('Yes, set this level')],
+    *fan_tray_ways([level(), verbose(), confirm('Yes, set this level')],
               [button('Set the level'), button('Read back', action='getfanlevel', reads=True)]),
     Form('all', 'Every fan tray', [hidden('req_type', 2), level(), verbose(), confirm('Yes, set every fan tray')],
          [button('Set every fan tray'), button('Show the fan trays', action='fans', reads=True)]),
@@ -712,11 +718,12 @@ ERRORS = {
         'A viewer account reads the shelf\'s state but changes nothing: this\nneeds an operator account. '
         '(A request that another site\'s page sent is\nrefused the same way.)',
         '<a href="/verbs/index.html">Back to the index</a>']),
-    '409': refusal('Sent already: nothing was changed this time', [
-        'The browser sent a change again that this page had sent once (after\ngoing back or forward, or '
-        'reloading). Each change is sent once per press.\nA page loaded before the web server last started '
-        'is refused the same\nway.',
-        'To make the change again, load the form page anew (F5) and press its\nbutton.']),
+    '409': refusal('Not sent: nothing was sent to the shelf this time', [
+        'Each load of a form page sends its change once. This press was refused\nbecause the page had '
+        'sent its change already (a second press, or Back,\nForward or a reload sending it again), or '
+        'because the page was loaded\nbefore the web server last started.',
+        'Whatever an earlier press did stands: read the shelf to see it. To\nsend a change, load the form '
+        'page anew (F5), fill it in and press its\nbutton.']),
     '503': refusal('Busy: nothing was sent to the shelf', [
         'As many requests as the shelf manager runs at once are still waiting\nfor the shelf. '
         'This one was not started.',
