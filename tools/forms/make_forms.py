@@ -515,7 +515,7 @@ PAGES['getfanlevel'] = page('getfanlevel', 'Get Fan Level', 'Shows the level of 
                             fan_tray_ways([verbose()], [button('Show the level')]))
 PAGES['setfanlevel'] = page('setfanlevel', 'Set Fan Level', 'Sets the level of one fan tray, or of every fan tray.', [
     *fan_tray_ways([level(), verbose(), confirm('Yes, set this level')],
-              [button('Set the level'), button('Read back', action='getfanlevel', reads=True)]),
+                   [button('Set the level'), button('Read back', action='getfanlevel', reads=True)]),
     Form('all', 'Every fan tray', [hidden('req_type', 2), level(), verbose(), confirm('Yes, set every fan tray')],
          [button('Set every fan tray'), button('Show the fan trays', action='fans', reads=True)]),
 ])
