@@ -135,7 +135,7 @@ MUTANTS ?= 300
 SEED ?= 1
 WORKERS ?= 2
 mutation: bootstrap
-	@tools/mutation/mutate.py --sample $(MUTANTS) --seed $(SEED) --workers $(WORKERS) $(if $(MATRIX),--matrix $(MATRIX))
+	@tools/mutation/mutate.py --sample $(MUTANTS) --seed $(SEED) --workers $(WORKERS) $(if $(MATRIX),--matrix $(MATRIX)) $(if $(RESUME),--resume $(RESUME))
 
 # The two commands on a fresh Debian root (needs root, several GiB and
 # many minutes; by hand only).

@@ -355,6 +355,7 @@ struct log_case {
     std::optional<std::string> log;  // the log's content after; none: not written (nor the victim)
     bool no_argv0 = false;
     bool made_by_the_gateway = false;  // then it is the gateway's own file, mode 0640
+    bool no_stdin = false;             // then the log takes descriptor 0
 };
 
 std::function<int()> log_holding(std::string text) {
@@ -364,6 +365,7 @@ std::function<int()> log_holding(std::string text) {
 std::vector<log_case> log_cases() {
     return {
         {"absent_created_0640", "/www/cgi-bin/sensor.cgi", [] { return -1; }, "/www/cgi-bin/sensor.cgi", false, true},
+        {"written_as_descriptor_0", "fru", log_holding("version"), "frusion", false, false, true},
         {"longer_content_stays_behind", "fru", log_holding("getthreshold"), "fruthreshold"},
         {"an_empty_name_is_not_written", "", log_holding("kept"), "kept"},
         {"nor_a_missing_one", "", log_holding("kept"), "kept", true},
@@ -388,6 +390,7 @@ TEST_P(LogFile, TakesTheRawInvocationOnlyInAPlainFileOfItsOwn) {
     bool victim_planted = std::filesystem::exists(victim);
     gateway_request request = get(c.argv0);
     request.no_argv0 = c.no_argv0;
+    if (c.no_stdin) request.stdin_from = "";
     EXPECT_TRUE(run_gateway(request).out.ends_with("</BODY></HTML>"));
     if (c.log) {
         EXPECT_EQ(slurp(log_path), *c.log);

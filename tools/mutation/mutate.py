@@ -91,7 +91,12 @@ def run(command, cwd, timeout=600, limit=None):
 def suite(command, cwd, timeout, limit=None):
     """Runs a command in a session of its own; returns its exit status
     (124 past the time limit) and output. Whatever it leaves running (a
-    mutant's stand-in tool that never ends, say) goes with the session."""
+    mutant's stand-in tool that never ends, say) goes with the session.
+    As root it runs in a process namespace of its own besides: a mutant
+    that signals the group -1 (a reset pid) ends every process there, not
+    this run and everything else on the machine."""
+    if os.geteuid() == 0 and shutil.which('unshare'):
+        command = ['unshare', '--pid', '--fork', '--mount-proc', '--kill-child', *command]
     process = subprocess.Popen(command, cwd=cwd, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
                                preexec_fn=limit, start_new_session=True)
     try:
@@ -200,6 +205,7 @@ def main():
     parser.add_argument('--workers', type=int, default=2)
     parser.add_argument('--root', default=os.path.join(REPO, 'build-mutation'))
     parser.add_argument('--matrix')
+    parser.add_argument('--resume', type=int, default=1, help='the first mutant of the sample to run')
     args = parser.parse_args()
 
     sources = sorted(os.path.join(d, f) for d, _, fs in os.walk(os.path.join(REPO, 'src'))
@@ -224,7 +230,8 @@ def main():
 
     todo = queue.Queue()
     for n, mutant in enumerate(sample, 1):
-        todo.put((n, mutant))
+        if n >= args.resume:  # a stopped run goes on where it stopped
+            todo.put((n, mutant))
     results, lock, stop = [], threading.Lock(), threading.Event()
 
     def work(w):
