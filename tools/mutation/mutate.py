@@ -18,7 +18,7 @@ With --matrix FILE every killed mutant runs the whole suites instead, and
 FILE receives, one JSON line a mutant, the test cases that failed (a table row is named
 by its trace): what shows which cases earn their place.
 
-    tools/mutation/mutate.py [--sample N] [--seed S] [--workers W] [--matrix FILE]
+    tools/mutation/mutate.py [--sample N] [--seed S] [--workers W] [--matrix FILE] [--resume N]
 """
 import argparse
 import difflib
