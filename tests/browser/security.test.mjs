@@ -228,6 +228,35 @@ test('a role changed while the server runs holds from the next request',
   await operator.dispose();
 });
 
+test('after "Log out" the browser sends no password until one is typed again', async () => {
+  const context = await browser.newContext({ ignoreHTTPSErrors: true });  // no password until one is given
+  const page = await context.newPage();
+  const typed = new URL(`${server.base}/verbs/index.html`);
+  typed.username = 'operator';
+  typed.password = server.accounts.operator.password;
+  assert.equal((await page.goto(typed.href)).status(), 200);
+  assert.equal((await page.goto(`${server.base}/verbs/reset.html`)).status(), 200, 'the password is kept');
+  const challenged = [];  // what asked for a password on the way out
+  page.on('response', async (r) => (await r.headerValue('WWW-Authenticate')) && challenged.push(r.url()));
+  const [out] = await Promise.all([page.waitForResponse(/\/verbs\/logout$/), page.click('header a.logout')]);
+  assert.equal(out.status(), 401);
+  assert.equal(await page.locator('h1').textContent(), 'Logged out');
+  await page.waitForLoadState('networkidle');
+  assert.deepEqual(challenged, [], 'nothing asks for a password on the way out');
+  const after = await page.goto(`${server.base}/verbs/reset.html`).catch((e) => e);
+  assert.ok(after instanceof Error ? /AUTH/.test(after.message) : after.status() === 401, String(after));
+  await context.close();
+  // Another site's page may not log the operator out; a log-out is not a
+  // failed guess, however many there are.
+  const operator = await api('operator');
+  const logout = (headers) => operator.get(`${server.base}/verbs/logout`, { headers }).then((r) => r.status());
+  assert.equal(await logout({ 'Sec-Fetch-Site': 'cross-site' }), 403);
+  assert.equal(await logout({ Origin: 'https://evil.example' }), 403);
+  for (let i = 0; i < 65; i++) assert.equal(await logout({ 'Sec-Fetch-Site': 'same-origin' }), 401);
+  assert.equal((await operator.get(`${server.base}/verbs/index.html`)).status(), 200);
+  await operator.dispose();
+});
+
 test('the gateway is reached only same-origin, by GET, HEAD or POST, with a small body', async () => {
   const operator = await api('operator');
   const url = `${server.base}/cgi-bin/version`;
@@ -253,6 +282,7 @@ test('every response carries the protective headers; plain HTTP only redirects',
     page: await operator.get(`${server.base}/verbs/sensor.html`),
     gateway: await operator.get(`${server.base}/cgi-bin/version`),
     refused: await anonymous.get(`${server.base}/verbs/sensor.html`),
+    loggedOut: await operator.get(`${server.base}/verbs/logout`),
     // The server's own refusal, made before its rules for paths apply.
     tooLarge: await operator.post(`${server.base}/cgi-bin/version`, { data: 'x'.repeat(100 * 1024), headers: form }),
   };
@@ -269,6 +299,7 @@ test('every response carries the protective headers; plain HTTP only redirects',
   }
   assert.equal(responses.gateway.headers()['cache-control'], 'no-store');
   assert.equal(responses.page.headers()['cache-control'], 'no-store');  // its tokens are for one load
+  assert.equal(responses.loggedOut.headers()['cache-control'], 'no-store');
   // A form page has no path below it (served so, it would keep its tokens'
   // place unfilled and its cache rules unapplied).
   assert.ok([403, 404].includes((await operator.get(`${server.base}/verbs/setfanlevel.html/x`)).status()));
@@ -667,7 +698,8 @@ test('guessing passwords is slow and tells nothing',
   // is served.
   const statuses = [];
   for (let i = 0; i < 20; i++) {
-    const round = await Promise.all([0, 1, 2, 3].map((j) => requestFrom('127.0.0.3', basicOf('operator', `guess${i}.${j}`))));
+    const round = await Promise.all([0, 1, 2, 3].map((j) => requestFrom('127.0.0.3', basicOf('operator', `guess${i}.${j}`),
+      j % 2 ? '/verbs/logout' : undefined)));  // the log-out counts a wrong password too
     statuses.push(...round.map((r) => r.status));
   }
   const answered = statuses.filter((s) => s === 401).length;

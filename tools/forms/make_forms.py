@@ -207,7 +207,7 @@ def page(verb, title, intro, forms):
 </head>
 <body>
 <a class="skip" href="#forms">Skip to the forms</a>
-<header class="top"><a href="index.html">Corvane&#8482; Shelf Manager</a></header>
+<header class="top"><a href="index.html">Corvane&#8482; Shelf Manager</a> <a class="logout" href="logout">Log out</a></header>
 <div class="page">
 <main>
 <h1>{title}</h1>
@@ -692,16 +692,18 @@ ANSWER = """<!DOCTYPE html>
 """
 
 
-def refusal(title, paragraphs):
-    """A page the server answers a refused request with (www/errors/)."""
+def refusal(title, paragraphs, styled=True):
+    """A page the server answers a refused request with (www/errors/).
+    Unstyled, it loads nothing: the log-out's page, after which the
+    stylesheet would ask for the password again."""
     text = '\n'.join(f'<p>{p}</p>' for p in paragraphs)
+    style = '\n<link rel="stylesheet" href="/verbs/style.css">' if styled else ''
     return f'''<!DOCTYPE html>
 <html lang="en">
 <head>
 <meta charset="utf-8">
 <meta name="viewport" content="width=device-width, initial-scale=1">
-<title>{title.split(':')[0]}</title>
-<link rel="stylesheet" href="/verbs/style.css">
+<title>{title.split(':')[0]}</title>{style}
 </head>
 <body>
 <main>
@@ -724,6 +726,12 @@ ERRORS = {
         'because the page was loaded\nbefore the web server last started.',
         'Whatever an earlier press did stands: read the shelf to see it. To\nsend a change, load the form '
         'page anew (F5), fill it in and press its\nbutton.']),
+    'logged-out': refusal('Logged out', [
+        'This browser no longer sends your account\'s password to the shelf\nmanager: the next page asks '
+        'for a name and password again, so nobody who\nuses this browser after you changes the shelf as you.',
+        'If the next page opens without asking, this browser kept the password\n(some browsers keep it '
+        'until they close): close all of its windows.',
+        '<a href="/verbs/index.html">Log in again</a>'], styled=False),
     '503': refusal('Busy: nothing was sent to the shelf', [
         'As many requests as the shelf manager runs at once are still waiting\nfor the shelf. '
         'This one was not started.',
