@@ -10,7 +10,7 @@ import http from 'node:http';
 import https from 'node:https';
 import tls from 'node:tls';
 import { chmodSync, existsSync, lstatSync, readdirSync, readFileSync, renameSync, rmSync, statSync, symlinkSync, writeFileSync } from 'node:fs';
-import { execFileSync } from 'node:child_process';
+import { execFileSync, spawn } from 'node:child_process';
 import { join } from 'node:path';
 import { request as playwrightRequest } from 'playwright-core';
 import { startServer, freePort, onDevice, verbList } from './serve.mjs';
@@ -655,7 +655,32 @@ test('nothing the server account writes is trusted by root',
     done
     for f in policy.lua lighttpd-policy.lua apache-policy.lua; do ln -sf '${victim}' "$f" 2>/dev/null; done
     ln -s '${victim}' log/../victim 2>/dev/null; true`);
+  // And while the server starts again: each path the account may come to
+  // own is planted the moment it can be, and the gateways' slots are
+  // swapped for a link to root's directory while root hands them over.
+  const victimDir = join(server.dir, 'victim-dir');
+  execFileSync('mkdir', ['-m', '755', victimDir]);
+  for (let i = 1; i <= 32; i++) writeFileSync(join(victimDir, `free-${i}`), '');
+  const planter = spawn('setpriv', ['--reuid=www-data', '--regid=www-data', '--clear-groups', '/usr/bin/python3', '-c', `
+import os, time
+run, file, dir = ${JSON.stringify([server.run, victim, victimDir])}
+links = {'log/error.log': file, 'log/access.log': file, 'temp/body': dir, 'temp/fastcgi': dir,
+         'spool/body': dir, 'spool/fastcgi': dir}
+end = time.time() + 15
+while time.time() < end:
+    for name, target in links.items():
+        try: os.symlink(target, os.path.join(run, name))
+        except OSError: pass
+    try:
+        os.rename(os.path.join(run, 'spool/gateways'), os.path.join(run, 'spool/gx'))
+        os.symlink(dir, os.path.join(run, 'spool/gateways'))
+    except OSError: pass
+`], { stdio: 'ignore' });
   await server.restart();
+  planter.kill();
+  // Apache's slots are the account's own to break: put them back.
+  const slots = join(server.run, 'spool/gateways');
+  if (existsSync(join(server.run, 'spool/gx'))) rmSync(slots), renameSync(join(server.run, 'spool/gx'), slots);
   const operator = await api('operator');
   assert.equal((await operator.get(`${server.base}/cgi-bin/switchover`)).status(), 405, 'the policy holds');
   const page = await operator.post(`${server.base}/cgi-bin/version`, { data: 'x=1', headers: form });
@@ -664,6 +689,13 @@ test('nothing the server account writes is trusted by root',
   assert.equal(readFileSync(victim, 'utf8'), 'root\'s own\n');
   assert.equal(lstatSync(victim).uid, 0);
   for (const d of ['log', 'spool']) assert.equal(lstatSync(join(server.run, d)).isSymbolicLink(), false, d);
+  for (const f of ['', ...readdirSync(victimDir)]) assert.equal(lstatSync(join(victimDir, f)).uid, 0, `victim-dir/${f}`);
+  // The server holds no terminal of whoever started it: it leads a session
+  // of its own, so nothing running as the account can type into that
+  // terminal.
+  const pid = readFileSync(join(server.run, `${serverName === 'apache' ? 'httpd' : serverName}.pid`), 'utf8').trim();
+  const stat = readFileSync(`/proc/${pid}/stat`, 'utf8');
+  assert.equal(stat.slice(stat.lastIndexOf(')') + 2).split(' ')[3], pid, 'the server leads its own session');
 });
 // A plain request from another loopback address, with the given
 // Authorization header; its status and how long it took.
