@@ -9,7 +9,7 @@ import assert from 'node:assert/strict';
 import http from 'node:http';
 import https from 'node:https';
 import tls from 'node:tls';
-import { chmodSync, existsSync, lstatSync, readdirSync, readFileSync, renameSync, rmSync, statSync, symlinkSync, writeFileSync } from 'node:fs';
+import { chmodSync, existsSync, lstatSync, readdirSync, readFileSync, readlinkSync, renameSync, rmSync, statSync, symlinkSync, writeFileSync } from 'node:fs';
 import { execFileSync, spawn } from 'node:child_process';
 import { join } from 'node:path';
 import { request as playwrightRequest } from 'playwright-core';
@@ -691,11 +691,13 @@ while time.time() < end:
   for (const d of ['log', 'spool']) assert.equal(lstatSync(join(server.run, d)).isSymbolicLink(), false, d);
   for (const f of ['', ...readdirSync(victimDir)]) assert.equal(lstatSync(join(victimDir, f)).uid, 0, `victim-dir/${f}`);
   // The server holds no terminal of whoever started it: it leads a session
-  // of its own, so nothing running as the account can type into that
-  // terminal.
+  // of its own, reads /dev/null and writes to its error log, so nothing
+  // running as the account can read, type into or write to that terminal.
   const pid = readFileSync(join(server.run, `${serverName === 'apache' ? 'httpd' : serverName}.pid`), 'utf8').trim();
   const stat = readFileSync(`/proc/${pid}/stat`, 'utf8');
   assert.equal(stat.slice(stat.lastIndexOf(')') + 2).split(' ')[3], pid, 'the server leads its own session');
+  const streams = [0, 1, 2].map((fd) => readlinkSync(`/proc/${pid}/fd/${fd}`));
+  assert.ok(streams.every((f) => ['/dev/null', join(server.run, 'log/error.log')].includes(f)), streams.join(' '));
 });
 // A plain request from another loopback address, with the given
 // Authorization header; its status and how long it took.
