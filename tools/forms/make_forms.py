@@ -692,10 +692,10 @@ ANSWER = """<!DOCTYPE html>
 """
 
 
-def refusal(title, paragraphs, styled=True):
-    """A page the server answers a refused request with (www/errors/).
-    Unstyled, it loads nothing: the log-out's page, after which the
-    stylesheet would ask for the password again."""
+def server_page(title, paragraphs, styled=True):
+    """A page the server answers with in place of a request (www/errors/):
+    a refusal, or the log-out's. Unstyled, it loads nothing: the log-out's
+    page, after which the stylesheet would ask for the password again."""
     text = '\n'.join(f'<p>{p}</p>' for p in paragraphs)
     style = '\n<link rel="stylesheet" href="/verbs/style.css">' if styled else ''
     return f'''<!DOCTYPE html>
@@ -716,23 +716,23 @@ def refusal(title, paragraphs, styled=True):
 
 
 ERRORS = {
-    '403': refusal('Not allowed: this account may only read', [
+    '403': server_page('Not allowed: this account may only read', [
         'A viewer account reads the shelf\'s state but changes nothing: this\nneeds an operator account. '
         '(A request that another site\'s page sent is\nrefused the same way.)',
         '<a href="/verbs/index.html">Back to the index</a>']),
-    '409': refusal('Not sent: nothing was sent to the shelf this time', [
+    '409': server_page('Not sent: nothing was sent to the shelf this time', [
         'Each load of a form page sends its change once. This press was refused\nbecause the page had '
         'sent its change already (a second press, or Back,\nForward or a reload sending it again), or '
         'because the page was loaded\nbefore the web server last started.',
         'Whatever an earlier press did stands: read the shelf to see it. To\nsend a change, load the form '
         'page anew (F5), fill it in and press its\nbutton.']),
-    'logged-out': refusal('Logged out', [
+    'logged-out': server_page('Logged out', [
         'This browser no longer sends your account\'s password to the shelf\nmanager: the next page asks '
         'for a name and password again, so nobody who\nuses this browser after you changes the shelf as you.',
         'If the next page opens without asking, this browser kept the password\n(some browsers keep it '
         'until they close): close all of its windows.',
         '<a href="/verbs/index.html">Log in again</a>'], styled=False),
-    '503': refusal('Busy: nothing was sent to the shelf', [
+    '503': server_page('Busy: nothing was sent to the shelf', [
         'As many requests as the shelf manager runs at once are still waiting\nfor the shelf. '
         'This one was not started.',
         'Try again in a minute; a request that hangs is ended after 40 seconds.']),
