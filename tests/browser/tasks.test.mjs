@@ -25,6 +25,10 @@ const tasks = [
   ['set the fans', [
     { open: 'Set Fan Level' }, { fill: { '#addr1_0-address': '0x72', '#id2_0-address': '0', '#value-address': '8' } },
     { tick: '#confirm-address' }, { press: 'Set the level', form: 'address', operator: /Set Fan Level to: 8/, viewer: refused }]],
+  // The tool splits at blanks: "fantray2 0 1" would set FRU 0 to level 1.
+  ['mistype a unit name with blanks', [
+    { open: 'Set Fan Level' }, { fill: { '#pti_sym1_1-name': 'fantray2 0 1', '#id2_1-name': '0', '#value-name': '7' } },
+    { tick: '#confirm-name' }, { press: 'Set the level', form: 'name', held: '#pti_sym1_1-name' }]],
   ['reset a board', [
     { open: 'Reset Board' }, { fill: { '#slot-slot': '3' } }, { tick: '#confirm-slot' },
     { press: 'Reset the board', form: 'slot', operator: /slot # 3 .* reset/, viewer: refused }]],
@@ -97,6 +101,11 @@ for (const role of ['operator', 'viewer']) for (const [width, height, scale] of 
       return assert.match(await frame.contentFrame().locator('body').innerText(), s.shows);
     }
     const button = page.locator(`#form-${s.form}`).getByRole('button', { name: s.press, exact: true });
+    if (s.held) {  // the browser keeps the form and says which field is wrong
+      await press(button);
+      assert.ok(await page.locator(s.held).evaluate((e) => e.validity.patternMismatch), `${s.held} is accepted`);
+      return assert.match(answerFrame().url(), /\/answer\.html$/, 'nothing was sent');
+    }
     await Promise.all([page.waitForEvent('framenavigated', (f) => f.name() === 'answer' && !f.url().endsWith('answer.html')),
       press(button)]);
     await answerFrame().waitForLoadState();

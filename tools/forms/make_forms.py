@@ -67,9 +67,16 @@ def address(name, required=True, empty='', example='0x82'):
                  'maxlength="4" autocomplete="off" spellcheck="false"')
 
 
+# The tool splits its command line at blanks, so a blank typed into a
+# field of one word would shift the words after it into other arguments
+# (a unit name "fantray2 0 1" setting FRU 0 to level 1): such fields
+# refuse blanks before anything is sent.
+ONE_WORD = ' pattern="\\S+" title="one word, without blanks"'
+
+
 def unit_name(name, example='board1'):
     return Field('text', name, 'Unit name', f'the name the controller list shows, such as {example}; {CONTROLLERS}',
-                 True, attrs=' maxlength="32" autocomplete="off" spellcheck="false"')
+                 True, attrs=f'{ONE_WORD} maxlength="32" autocomplete="off" spellcheck="false"')
 
 
 def fru_id(name, required=True, empty=''):
@@ -350,7 +357,8 @@ PAGES['setthreshold'] = set_sensor_page(
     [Field('select', 'tr', 'Threshold', 'which threshold to set', True, THRESHOLDS, 'unc'),
      Field('text', 'value', 'New value', 'in the sensor\'s unit (degrees C, Volts, RPM), such as 60 or 11.5; '
            'a raw reading, 0 to 255, when the box below is ticked', True,
-           attrs=' inputmode="decimal" maxlength="16" autocomplete="off"'),
+           attrs=' inputmode="decimal" pattern="-?[0-9]+([.][0-9]+)?" title="a number, such as 60, -5 or 11.5"'
+           ' maxlength="16" autocomplete="off"'),
      Field('check', 'raw', 'The value is a raw reading (-r)', value='-r')],
     'Set the threshold')
 PAGES['sethysteresis'] = set_sensor_page(
@@ -422,16 +430,17 @@ PAGES['fru'] = page('fru', 'FRU Information', 'Shows the state and description o
     Form('all', 'Every FRU of the shelf', [verbose()], [button('List every FRU')]),
 ])
 
+OFFSET = ' pattern="0[xX][0-9a-fA-F]+|[0-9]+" title="a number, such as 0x10 or 16"'
 PAGES['frudata'] = page('frudata', 'FRU Data', 'Reads the raw FRU data of a FRU, or writes bytes into it.', [
     Form('read', 'Read by IPMB address', by_address() + [
         Field('text', 'offset', 'Offset', 'first byte to show, such as 0x10 or 16; empty: from the start',
-              attrs=' maxlength="8" autocomplete="off"')], [button('Read')]),
+              attrs=f'{OFFSET} maxlength="8" autocomplete="off"')], [button('Read')]),
     Form('read-name', 'Read by unit name', by_name() + [
          Field('text', 'offset', 'Offset', 'first byte to show; empty: from the start',
-               attrs=' maxlength="8" autocomplete="off"')], [button('Read')]),
+               attrs=f'{OFFSET} maxlength="8" autocomplete="off"')], [button('Read')]),
     Form('write', 'Write by IPMB address', by_address() + [
         Field('text', 'offset', 'Offset', 'first byte to write, such as 0x10 or 16', True,
-              attrs=' maxlength="8" autocomplete="off"'),
+              attrs=f'{OFFSET} maxlength="8" autocomplete="off"'),
         Field('text', 'to_write', 'Bytes', 'hexadecimal bytes separated by blanks, such as 01 ff 3c', True,
               attrs=' maxlength="160" autocomplete="off" spellcheck="false"'),
         confirm('Yes, write these bytes')], [button('Write')]),
@@ -656,12 +665,12 @@ def shelf_families():
             '0 to 255', True, attrs=' min="0" max="255"')], 'Yes, set the activation allowance', MANAGEMENT),
         family('16', 'order', 'Power-on order', [
             Field('text', 'addr1_pwrreorder', 'FRU to move: unit', f'IPMB address (such as 0x82) or unit name; '
-                  f'{CONTROLLERS}', True, attrs=' maxlength="32" autocomplete="off" spellcheck="false"'),
+                  f'{CONTROLLERS}', True, attrs=f'{ONE_WORD} maxlength="32" autocomplete="off" spellcheck="false"'),
             fru_id('id11_pwrreorder'),
             Field('select', 'op_pwrreorder', 'Place it', '', True, [('before', 'before'), ('after', 'after')],
                   'before'),
             Field('text', 'addr2_pwrreorder', 'Other FRU: unit', 'IPMB address or unit name', True,
-                  attrs=' maxlength="32" autocomplete="off" spellcheck="false"'),
+                  attrs=f'{ONE_WORD} maxlength="32" autocomplete="off" spellcheck="false"'),
             fru_id('id21_pwrreorder')], 'Yes, change the power-on order', MANAGEMENT),
     ]
     return forms
@@ -719,13 +728,15 @@ ERRORS = {
     '403': server_page('Not allowed: this account may only read', [
         'A viewer account reads the shelf\'s state but changes nothing: this\nneeds an operator account. '
         '(A request that another site\'s page sent is\nrefused the same way.)',
+        'To change the shelf, log out ("Log out" at the top of every page) and\nlog in with an operator account.',
         '<a href="/verbs/index.html">Back to the index</a>']),
     '409': server_page('Not sent: nothing was sent to the shelf this time', [
         'Each load of a form page sends its change once. This press was refused\nbecause the page had '
         'sent its change already (a second press, or Back,\nForward or a reload sending it again), or '
         'because the page was loaded\nbefore the web server last started.',
-        'Whatever an earlier press did stands: read the shelf to see it. To\nsend a change, load the form '
-        'page anew (F5), fill it in and press its\nbutton.']),
+        'If this page sent a change before, its answer said whether the shelf\nmade it or refused it: read the '
+        'shelf to see where it stands. To send a\nchange, load the form page anew (F5), fill in every field '
+        'again,\nchecking each list (they start again at the page\'s defaults), and press\nits button.']),
     'logged-out': server_page('Logged out', [
         'This browser no longer sends your account\'s password to the shelf\nmanager: the next page asks '
         'for a name and password again, so nobody who\nuses this browser after you changes the shelf as you.',

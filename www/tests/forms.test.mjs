@@ -144,6 +144,12 @@ for (const verb of PAGES) {
       for (const c of fields.filter((c) => c.type !== 'hidden')) assert.ok(labels.includes(c.id), `${what}: label for ${c.name}`);
       for (const c of fields.filter((c) => c.name === 'addr1_0' || /^addr_/.test(c.name)))
         assert.equal(c.pattern, '0[xX][0-9a-fA-F]{2}', `${what}: ${c.name} takes 0x82`);
+      // The tool splits its line at blanks: a text field refuses them unless
+      // it holds a list (bytes; LAN and PEF values that are lists).
+      for (const c of fields.filter((c) => c.type === 'text' && !(c.name === 'to_write' || (c.name === 'value' && /lan|pef/.test(verb))))) {
+        const whole = c.pattern && new RegExp(`^(?:${c.pattern})$`, 'v');
+        assert.ok(whole && !['board1 0', '1 2', '0x82 1', ' 1', '1\t'].some((v) => whole.test(v)), `${what}: ${c.name} refuses blanks`);
+      }
       const confirm = fields.find((c) => c.name === 'confirm');
       assert.ok(!confirm || (confirm.type === 'checkbox' && 'required' in confirm && confirm.autocomplete === 'off'),
         `${what}: confirmation required, never restored`);
