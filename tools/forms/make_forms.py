@@ -725,6 +725,12 @@ def server_page(title, paragraphs, styled=True):
 
 
 ERRORS = {
+    # What a browser shows when its user cancels the password prompt. Like
+    # the log-out's, it loads nothing that would ask for the password.
+    '401': server_page('Not logged in: the shelf manager needs a name and password', [
+        'Every page of the shelf manager needs an account. If the browser did\nnot ask for a name and password, '
+        'or the question was cancelled, load\nthe page again to be asked.',
+        '<a href="/verbs/index.html">Log in</a>'], styled=False),
     '403': server_page('Not allowed: this account may only read', [
         'A viewer account reads the shelf\'s state but changes nothing: this\nneeds an operator account. '
         '(A request that another site\'s page sent is\nrefused the same way.)',
