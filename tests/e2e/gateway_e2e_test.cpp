@@ -373,8 +373,8 @@ std::vector<log_case> log_cases() {
          std::nullopt},
         {"dangling_link", "fru", [] { return symlink(victim.c_str(), log_path), -1; }, std::nullopt},
         {"directory", "fru", [] { return mkdir(log_path, 0700), -1; }, std::nullopt},
-        {"hard_link", "fru", [] { return std::ofstream(victim) << "secret", link(victim.c_str(), log_path), -1; },
-         std::nullopt},
+        {"hard_link_under_an_unknown_name", "nosuchverb",
+         [] { return std::ofstream(victim) << "secret", link(victim.c_str(), log_path), -1; }, std::nullopt},
         {"fifo_held_open", "fru", [] { return mkfifo(log_path, 0666), open(log_path, O_RDWR | O_NONBLOCK); },
          std::nullopt},
     };
@@ -388,7 +388,8 @@ TEST_P(LogFile, TakesTheRawInvocationOnlyInAPlainFileOfItsOwn) {
     std::filesystem::remove(victim);
     int holder = c.plant();
     bool victim_planted = std::filesystem::exists(victim);
-    gateway_request request = get(c.argv0);
+    // A body, which is read after the log is opened; none without input.
+    gateway_request request = c.no_stdin ? get(c.argv0) : post(c.argv0, "a=1");
     request.no_argv0 = c.no_argv0;
     if (c.no_stdin) request.stdin_from = "";
     EXPECT_TRUE(run_gateway(request).out.ends_with("</BODY></HTML>"));

@@ -64,6 +64,7 @@ std::vector<verb_case> all_cases() {
     sends("board_slot_saturates", "board", "slot=-4294967296", "board  -1", "Board # -1<BR>"),
     sends("reset_verbose", "reset", "slot=7&verbose=V", "boardreset 7", verbose_on + "Resetting board # 7<BR>"),
     sends("reset_slot_too_large", "reset", "slot=4294967295", "boardreset "),
+    sends("reset_without_slot_sends_verbose", "reset", "verbose=V", "boardreset V", verbose_on),
     sends("ipmc_by_address", "ipmc", "addr1_0=0x82&id2_1=2&pti_sym1_1=P", "ipmc  0x82"),
     sends("ipmc_by_pti_sym", "ipmc", "verbose=V&req_type=1&pti_sym1_1=P", "ipmc V P ", verbose_on),
     // Sensors and the event log.
