@@ -14,7 +14,8 @@ const refused = /may only read/;
 // Each step: open a link by its text, fill fields by id, tick a box, or
 // press a button of a form and read the answer (what each role gets).
 const tasks = [
-  ['find the unhealthy units', [{ tile: 'Health', shows: /no unhealthy components/ }]],
+  ['find the unhealthy units and the alarms', [{ tile: 'Health', shows: /no unhealthy components/ },
+    { tile: 'Alarms', shows: /minor OFF, major OFF, critical OFF/ }, { tile: 'Controllers and boards', shows: /fantray2/ }]],
   ['read and raise a threshold', [
     { open: 'Get Sensor Threshold Information' }, { fill: { '#addr1_0-address': '0x82', '#id3_0-address': '2' } },
     { press: 'Show thresholds', form: 'address', operator: /Upper Non-Critical Threshold/, viewer: /Upper Non-Critical Threshold/ },
@@ -98,7 +99,12 @@ for (const role of ['operator', 'viewer']) for (const [width, height, scale] of 
       const frame = s.tile ? page.locator('figure', { has: page.getByRole('link', { name: s.tile, exact: true }) })
         .locator('iframe') : page.getByTitle(s.frame);
       await frame.scrollIntoViewIfNeeded();
-      return assert.match(await frame.contentFrame().locator('body').innerText(), s.shows);
+      assert.match(await frame.contentFrame().locator('body').innerText(), s.shows);
+      // Whole at every size: neither the tile's lines nor the page cut.
+      const cut = (doc) => doc.evaluate(() => document.documentElement.scrollWidth - document.documentElement.clientWidth);
+      const inner = await (await frame.elementHandle()).contentFrame();
+      assert.ok(await cut(inner) <= 0 && await cut(page) <= 0, `${s.tile ?? s.frame} is cut`);
+      return undefined;
     }
     const button = page.locator(`#form-${s.form}`).getByRole('button', { name: s.press, exact: true });
     if (s.held) {  // the browser keeps the form and says which field is wrong
