@@ -257,8 +257,8 @@ const byKind = (name) => [['addr', '0x82'], ['pti_sym', 'board1'], ['id', '0'], 
   .find(([start]) => name.startsWith(start))?.[1];
 const typicalOn = {
   sensor: { id3_0: '1' }, setthreshold: { id3_0: '1', value: '70' }, sethysteresis: { id3_0: '1', value: '3' },
-  getsensoreventenable: { id3_0: '1' }, setsensoreventenable: { id3_0: '1' }, setpef: { value: '5' },
-  setlanconfig: { value: '192.0.2.20' }, fans: { addr1_0: '0x72', pti_sym1_1: 'fantray1' },
+  getsensoreventenable: { id3_0: '1' }, setsensoreventenable: { id3_0: '1' }, setpef: { parameter: '1', value: '5' },
+  setlanconfig: { parameter: '3', value: '192.0.2.20' }, fans: { addr1_0: '0x72', pti_sym1_1: 'fantray1' },
   getfanlevel: { addr1_0: '0x72', pti_sym1_1: 'fantray1' }, setfanlevel: { addr1_0: '0x72', pti_sym1_1: 'fantray1', value: '5' },
 };
 // Every button of every form, pressed with only the form's required fields
@@ -279,12 +279,13 @@ test('every button, with only the required fields filled, gets a complete page',
         const form = page.locator(`#${id}`);
         const command = form.locator('input[type="hidden"][name="command"]');
         if (await command.count()) await page.selectOption('#command-choose', await command.getAttribute('value'));
-        for (const field of await form.locator('input[required]:not([type="checkbox"])').all()) {
+        for (const field of await form.locator('input[required]:not([type="checkbox"]), select[required]').all()) {
           const name = await field.getAttribute('name');
           if (await field.inputValue()) continue;  // a real default
           const value = typicalOn[verb]?.[name] ?? typical[name] ?? byKind(name);
           assert.ok(value, `${verb} ${id}: a typical ${name}`);
-          await field.fill(value);
+          if (await field.evaluate((e) => e.tagName === 'SELECT')) await field.selectOption(value);
+          else await field.fill(value);
         }
         if (await form.locator('[name="confirm"]').count()) await form.locator('[name="confirm"]').check();
         const invalid = await form.evaluate((f) => [...f.elements].filter((e) => !e.checkValidity()).map((e) => e.name));

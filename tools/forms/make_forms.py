@@ -43,8 +43,9 @@ class Field:
             return (f'<div class="field check">\n  <input type="checkbox" id="{fid}" name="{self.name}" '
                     f'value="{self.value}"{self.attrs}{required}{described}>\n  <label for="{fid}">{self.label}</label>{hint}\n</div>')
         if self.kind == 'select':
-            options = ''.join(f'\n    <option value="{v}"{" selected" if v == self.value else ""}>{t}</option>'
-                              for v, t in self.options)
+            chosen = next((i for i, (v, _) in enumerate(self.options) if v == self.value), None)
+            options = ''.join(f'\n    <option value="{v}"{" selected" if i == chosen else ""}>{t}</option>'
+                              for i, (v, t) in enumerate(self.options))
             control = f'<select id="{fid}" name="{self.name}"{required}{described}>{options}\n  </select>'
         else:
             value = f' value="{self.value}"' if self.value is not None else ''
@@ -296,8 +297,13 @@ LAN_READ = numbered(LAN_PARAMETERS, 'all parameters')
 PEF_READ = numbered(PEF_PARAMETERS, 'all parameters')
 
 
-def parameter_fields(options, chosen):
-    return [Field('select', 'parameter', 'Parameter', '', False, options, chosen),
+def parameter_fields(options, chosen=None):
+    """The list of parameters and a number in its place. Without `chosen`
+    (the set pages) nothing is chosen until the operator chooses: a page
+    loaded anew never sets the IP address because it was left at a default."""
+    if chosen is None:
+        options = [('', 'choose a parameter'), *options, ('', 'the one whose number is given below')]
+    return [Field('select', 'parameter', 'Parameter', '', chosen is None, options, chosen or ''),
             Field('number', 'parameter', 'Or a parameter by number', 'takes the place of the list\'s choice when '
                   'given: 0 to 255', attrs=' min="0" max="255"', alias='-number')]
 
@@ -545,7 +551,7 @@ PAGES['setlanconfig'] = page('setlanconfig', 'Set LAN Configuration Information'
                              'Sets one configuration parameter of a LAN channel of the shelf manager.', [
     Form('set', 'LAN configuration', note='A new IP address, netmask or gateway of the channel you are connected '
          'through ends this connection: reconnect at the new address (https://NEW-ADDRESS/), from a network '
-         'that reaches it.', fields=[channel(), *parameter_fields(LAN_READ[1:], '3'), selector(LAN_TABLES),
+         'that reaches it.', fields=[channel(), *parameter_fields(LAN_READ[1:]), selector(LAN_TABLES),
          Field('text', 'value', 'New value', LAN_VALUES, True, attrs=' maxlength="40" autocomplete="off" spellcheck="false"'),
          confirm('Yes, change the LAN configuration')],
          buttons=[button('Set'), button('Read back', action='getlanconfig', reads=True)]),
@@ -560,7 +566,7 @@ PAGES['getpef'] = page('getpef', 'Get PEF Configuration Information',
 PAGES['setpef'] = page('setpef', 'Set PEF Configuration Information',
                        'Sets one platform event filtering (PEF) configuration parameter.', [
     Form('set', 'PEF configuration', [
-        *parameter_fields(PEF_READ[1:], '1'), selector(PEF_TABLES),
+        *parameter_fields(PEF_READ[1:]), selector(PEF_TABLES),
         Field('text', 'value', 'New value', PEF_VALUES, True, attrs=' maxlength="60" autocomplete="off" spellcheck="false"'),
         confirm('Yes, change the PEF configuration')],
         [button('Set'), button('Read back', action='getpef', reads=True)]),

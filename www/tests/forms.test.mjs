@@ -151,6 +151,10 @@ for (const verb of PAGES) {
         assert.ok(whole && !['board1 0', '1 2', '0x82 1', ' 1', '1\t'].some((v) => whole.test(v)), `${what}: ${c.name} refuses blanks`);
       }
       const confirm = fields.find((c) => c.name === 'confirm');
+      // A change of the LAN or PEF configuration names its parameter each
+      // time: the list starts unchosen, never at the IP address.
+      for (const c of fields.filter((c) => confirm && c.tag === 'select' && c.name === 'parameter'))
+        assert.ok('required' in c && firstOption(form.body, c.name) === '', `${what}: a parameter is chosen`);
       assert.ok(!confirm || (confirm.type === 'checkbox' && 'required' in confirm && confirm.autocomplete === 'off'),
         `${what}: confirmation required, never restored`);
       // A change posts a token the server fills in for each page load and
