@@ -30,6 +30,7 @@ public:
     // False when the list has no room for another piece (no verb needs that many).
     bool append(std::string_view text) { return add({text, 0, false}); }
     bool append_number(std::int32_t number) { return add({{}, number, true}); }
+    bool overflowed() const { return overflowed_; }
     void write(std::FILE* out) const;
 
 private:
@@ -39,12 +40,16 @@ private:
         bool is_number;
     };
     bool add(piece p) {
-        if (count_ == max_pieces) return false;
+        if (count_ == max_pieces) {
+            overflowed_ = true;
+            return false;
+        }
         pieces_[count_++] = p;
         return true;
     }
     std::array<piece, max_pieces> pieces_{};
     std::size_t count_ = 0;
+    bool overflowed_ = false;
 };
 
 // What a verb decided for one request, before anything is written.
